@@ -7,6 +7,8 @@
 #include <QSet>
 #include <QString>
 
+#include <functional>
+
 #include "framework/Export.h"
 
 // What a run-time package offers its host.
@@ -43,6 +45,13 @@ struct TObjectEntry {
     quintptr Extra = 0;
 };
 
+// An entry for the host's Tools menu. Run opens its own windows and returns when they are closed.
+struct TToolEntry {
+    QString ObjectName; // of the menu entry
+    QString Caption;    // with its access key
+    std::function<void()> Run;
+};
+
 // Base of every package interface. The host owns it.
 class CORVEX_API TCorvexPackageInterface : public QObject
 {
@@ -58,6 +67,9 @@ public:
     virtual void NonVisiblePkgMessage(uint MsgId, qlonglong Param1, qlonglong Param2, bool &Handled);
     // Whether a message would open something in this build; asked by the host for its navigation tree. Opens nothing.
     virtual bool CanHandleMessage(uint MsgId) const;
+
+    // What the package adds to the host's Tools menu, in order.
+    virtual QList<TToolEntry> ToolEntries() const;
 
     const QList<TObjectEntry> &ObjectEntries() const { return entries_; }
 
