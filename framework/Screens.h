@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <QIcon>
 #include <QList>
 #include <QString>
 #include <QVariantMap>
-#include <QIcon>
 #include <QWidget>
 
 #include "framework/Export.h"

@@ -10,7 +10,6 @@
 #include "framework/data/CorvexADOQuery.h"
 
 class QIODevice;
-class TqsGridModel;
 
 // One column of a grid: the field it shows, its caption, and how a value becomes text.
 struct CORVEX_API TGridColumn {
@@ -23,14 +22,21 @@ struct CORVEX_API TGridColumn {
     bool selectable = true;   // … unless they are internal (keys)
     int decimals = 2;         // Float
     std::function<QString(const QVariant &)> display = {}; // an own text for a value (shared display lists)
+    // The same for a short list of values: what a value is shown as, an invalid value standing for NULL. Search and filter then
+    // find a row by the shown text; a number or date column that has only `display` is not searched.
+    QList<QPair<QVariant, QString>> displayValues = {};
 };
 
 enum class TGridOrder { Ascending, Descending };
 
 // The grid of a list screen. Reads lazily: it holds a window of rows around what is looked at, read page by page by key; the
-// database sorts, filters and searches. A failing query leaves the old rows standing and throws TDbError.
+// database sorts, filters and searches. A failing query leaves the old rows standing: OpenList, ReReadList, GetSiblingForDelete
+// and ExportCsv throw TDbError, everything that follows a user's hand (keys, scrolling, SortBy, FocusKey, JumpTo…, Search,
+// SetTextFilter, columns switched on while filtering) emits QueryFailed and changes nothing.
 // Row access for outsiders goes through model(): every row in the model is filled; canFetchMore/fetchMore extend it downwards.
-// Qt::UserRole of any cell gives the raw value, Qt::UserRole + 1 the row's key.
+// Qt::UserRole of any cell gives the raw value, Qt::UserRole + 1 the row's key. Model columns are those of SetColumns, in its order;
+// row numbers shift when rows are read above, keys do not. The focused row stays focused (and readable) when it is scrolled so
+// far away that the window has let go of it.
 class CORVEX_API TqsGrid final : public QTableView, public TListControl
 {
     Q_OBJECT
@@ -70,13 +76,15 @@ public:
     void SetSiblingAfterDelete();
 
     // Incremental search over the visible columns, from the focused row on (`next`: from the row after it), wrapping at the end
-    // (`backwards` likewise upwards). Text is found anywhere in a column's stored value, without regard to case. False when nothing fits.
+    // (`backwards` likewise upwards). Text is found anywhere in a column's stored value, without regard to case; date columns are
+    // searched by "31/12/2026", "12/2026" or "2026", check and note columns not at all. False when nothing fits.
     bool Search(const QString &text, bool next, bool backwards = false);
     // Only rows in which some visible column holds the text; "" shows all again.
     void SetTextFilter(const QString &text);
     QString TextFilter() const;
 
-    // Ticks: a check box column in front; the ticked keys survive re-reading, sorting and filtering.
+    // Ticks: check boxes in front (Qt::CheckStateRole of the leftmost visible column; Space toggles the focused row). Ticked keys
+    // survive re-reading, sorting and filtering; those of records that are gone are dropped by ReReadList.
     void SetMultiSelect(bool on);
     bool MultiSelect() const;
     QList<int> TickedKeys() const; // in the order in which they were ticked
@@ -91,10 +99,10 @@ public:
 
     void CopyToClipboard() const; // selected rows (the focused one), visible columns, tab-separated with a heading line
     // All rows under the filters, visible columns, in the shown order: RFC 4180, UTF-8 with heading line. Reads page by page.
+    // Throws TDbError, also (kind Other) when the device cannot be written.
     void ExportCsv(QIODevice &device) const;
-    // Every row under the filters with this key set as `key`, in the shown order, page by page (for exports of ids).
 
-    // Text that a value of this column is shown as.
+    // Text that a value of this column is shown as; check columns, drawn as a mark, are "Yes" or "No" (also for copies and exports).
     QString DisplayText(const TGridColumn &column, const QVariant &value) const;
 
 Q_SIGNALS:
@@ -106,8 +114,17 @@ Q_SIGNALS:
     // A query made in response to scrolling, sorting or filtering by the user failed; the old rows stand.
     void QueryFailed(const QString &message);
 
+protected:
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex &index, const QEvent *event) const override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
+
+public:
+    void keyboardSearch(const QString &search) override; // letters typed into the grid search the list
+
 private:
-    friend class TqsGridModel;
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };

@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <QAction>
+#include <QDialog>
+#include <QFrame>
+#include <QLabel>
+#include <QToolBar>
+
+#include <span>
+
+#include "framework/Export.h"
+#include "framework/Kvglobal.h"
+#include "framework/Kvutils.h"
+#include "framework/data/CorvexADOQuery.h"
+#include "framework/grid/qsGrid.h"
+
+class QLineEdit;
+class QMenu;
+class QPushButton;
+
+// What is particular to a list screen before any of its code runs.
+struct TMaintenanceFacts {
+    const char *formName;   // the form's code name; also the name its layout is kept under
+    const char *caption;    // window and tab title
+    const char *pluralName; // header band: "Banks"
+    const char *listName;   // header band: "Bank List"
+    const char *gridName;
+    int systemFunctionId;
+    int helpContext;
+    uint changedMessage;    // notification number
+};
+
+// A table that may refer to a record: asked before a delete, and listed as its users.
+struct TInUse {
+    const char *table;
+    const char *column;
+    const char *user; // "EFT Parameters"
+};
+
+// The base of every list screen: header band, toolbar, grid, search, and for modal use an OK/Cancel panel.
+class CORVEX_API TfrmMaintenanceBase : public QDialog, public TGlobalListener
+{
+    Q_OBJECT
+    Q_PROPERTY(int systemFunctionId READ SystemFunctionId CONSTANT)
+
+public:
+    // `NonModal` true makes a screen for the host's tabs that deletes itself when it is closed. `query` is a member of the
+    // descendant; it is first used in Load.
+    TfrmMaintenanceBase(const TMaintenanceFacts &facts, TCorvexADOQuery &query, QWidget *AOwner, bool NonModal,
+                        bool Visible);
+    ~TfrmMaintenanceBase() override;
+
+    // Sets the system function id, restores the saved layout and opens the query. Once, after construction.
+    void Load();
+    // The list that OK fills with the ids chosen; not owned, may be nullptr.
+    void SetSelectedList(TList *list);
+    void SetMultiSelect(bool multiSelect);
+    // Once, before the screen is first seen; overriders call the inherited one first.
+    virtual void DoShow();
+    // Shows modally (returns when closed) or hands the screen to the host.
+    void ShowModal();
+    void ShowNonModal();
+
+    int SystemFunctionId() const { return systemFunctionId_; }
+    virtual int GetCurrentHelpContext() const { return facts_.helpContext; }
+    void GlobalMessage(TCorvexMessage &message) override;
+    TqsGrid *Grid() const { return grid_; }
+
+protected:
+    virtual void FormCreate(QObject *Sender);
+
+    // ---- the toolbar's handlers. Overriders of Add, Edit and Copy call the inherited one first.
+    virtual void mniMaintAddClick(QObject *Sender);
+    virtual void mniMaintEditClick(QObject *Sender);
+    virtual void mniMaintCopyClick(QObject *Sender);
+    virtual void mniMaintDeleteClick(QObject *Sender);
+    virtual void mniNotesClick(QObject *Sender);
+    void ExecNotes();
+
+    // ---- the delete flow: question, in-use test, delete
+    virtual QString DeleteQuestion() const = 0;
+    virtual bool CheckBeforeDelete() { return true; }
+    virtual void DeleteRecord() = 0;
+    // Asks the tables in order; the first that refers to the record is told with `message` ("%s": code, "%s": user) and gives false.
+    bool CheckInUse(std::span<const TInUse> tables, const char *message, const QString &code) const;
+    // DeleteRecord's frame: remembers the neighbour, runs `remove`, and on true focuses the neighbour and broadcasts id 0.
+    void DeleteAndTell(const std::function<bool()> &remove);
+
+    // The change notification of this screen's records: refresh, and focus the record when the change started here.
+    virtual void RecordChanged(TCorvexMessage &message);
+    // Before a notification re-reads: the screen's filter as it must be now.
+    virtual void RefreshFilter() {}
+
+    // What OK of a modal screen puts into the selected list.
+    virtual void FillSelectedList();
+
+    // State of all actions from the state of the screen, in one place; overriders call the inherited one first.
+    virtual void UpdateActions();
+
+    // Opens a dialog on behalf of the user: marks the change as started here until its notification has been delivered.
+    void StartedHere(const std::function<void()> &openDialog);
+
+    int FocusedID() const { return grid_->FocusedKey(); }
+    QString FocusedText(const char *field) const;
+
+    const TMaintenanceFacts &facts_;
+    TCorvexADOQuery &query_;
+
+    QFrame *fhMaintenance = nullptr;
+    QLabel *lblHeader = nullptr;
+    QLabel *lblSubHeader = nullptr;
+    QToolBar *tbMaintenance = nullptr;
+    QAction *mniMaintAdd = nullptr;
+    QAction *mniMaintEdit = nullptr;
+    QAction *mniMaintCopy = nullptr;
+    QAction *mniMaintDelete = nullptr;
+    QAction *mniNotes = nullptr;
+    QAction *mniSearch = nullptr;
+    QAction *mniGridSave = nullptr;
+    QAction *mniRefresh = nullptr;
+    QAction *mniExport = nullptr;
+    QAction *mniCopyCells = nullptr;
+    QAction *mniFirstExtra = nullptr; // screens insert their own actions before this one
+    QFrame *pnlSearch = nullptr;
+    QLineEdit *edtSearch = nullptr;
+    QLineEdit *edtFilter = nullptr;
+    QLabel *lblSearchResult = nullptr;
+    QLabel *lblRecordCount = nullptr;
+    QFrame *pnlModalButtons = nullptr;
+    QPushButton *btnOK = nullptr;
+    QPushButton *btnCancel = nullptr;
+    QWidget *pnlBelowGrid = nullptr; // for what a screen shows below its list; hidden while empty
+
+    void showEvent(QShowEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void BuildToolbar();
+    void BuildSearchPanel();
+    void BuildModalButtons();
+    QAction *AddAction(const char *name, const char *icon, const QString &caption, const QString &tip,
+                       const QList<QKeySequence> &keys, void (TfrmMaintenanceBase::*handler)());
+    void OnAdd() { mniMaintAddClick(mniMaintAdd); }
+    void OnEdit() { mniMaintEditClick(mniMaintEdit); }
+    void OnCopy() { mniMaintCopyClick(mniMaintCopy); }
+    void OnDelete() { mniMaintDeleteClick(mniMaintDelete); }
+    void OnNotes() { mniNotesClick(mniNotes); }
+    void OnSearch();
+    void OnGridSave();
+    void OnRefresh();
+    void OnExport();
+    void OnCopyCells();
+    void OnSearchText(bool next, bool backwards);
+    void OnAccept();
+    void ShowContextMenu(const QPoint &at);
+
+    TqsGrid *grid_ = nullptr;
+    TList *selectedList_ = nullptr;
+    int systemFunctionId_ = 0;
+    bool nonModal_ = false;
+    bool loaded_ = false;
+    bool startedHere_ = false;
+};
+
+// The steps of DoXxxMaintenance. `Form` has the constructors (owner) and (owner, bool, bool); `args` are handed to them behind.
+template <class Form, class... Args>
+void RunMaintenance(bool Modal, TList *SelectedList, bool MultiSelect, Args &&...args)
+{
+    TBusyCursor busy;
+    if (Modal) {
+        Form form(nullptr, false, false, std::forward<Args>(args)...);
+        form.Load();
+        form.SetSelectedList(SelectedList);
+        form.SetMultiSelect(MultiSelect);
+        busy.Restore();
+        form.ShowModal();
+        return;
+    }
+    auto form = std::make_unique<Form>(nullptr, true, false, std::forward<Args>(args)...);
+    form->Load();
+    form->SetSelectedList(SelectedList);
+    form->SetMultiSelect(MultiSelect);
+    form.release()->ShowNonModal();
+    busy.Restore();
+}
