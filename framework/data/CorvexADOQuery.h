@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 #include "framework/Export.h"
 #include "framework/data/Database.h"
@@ -30,6 +31,8 @@ public:
     void SetVariant(const QVariant &value);
     // The value a new record starts with.
     virtual QVariant Blank() const = 0;
+    // A value as this column holds it: of its own type (dates as midnight QDateTime), invalid for NULL.
+    virtual QVariant Normalised(const QVariant &value) const = 0;
 
 protected:
     TCorvexADOQuery &query_;
@@ -42,6 +45,8 @@ private:
 
 // T: QString, int, bool, double, QDate. NULL reads as the type's empty value ("" / 0 / false / 0.0 / invalid date);
 // an invalid QDate is written as NULL, everything else as it is (an empty text stays an empty text).
+// Set with what Get gives leaves the column as it is, so that a form which only shows a NULL does not overwrite it; Set
+// throws TDbError while the record is not being edited.
 template <class T> class Column final : public TColumnBase
 {
 public:
@@ -49,6 +54,7 @@ public:
     T Get() const;
     void Set(const T &value);
     QVariant Blank() const override;
+    QVariant Normalised(const QVariant &value) const override;
 };
 extern template class CORVEX_API Column<QString>;
 extern template class CORVEX_API Column<int>;
@@ -62,7 +68,7 @@ struct CORVEX_API TRecordConflict : public std::exception {
         QString field;   // column name
         QVariant read;   // as we read it
         QVariant theirs; // as it stands now
-        QVariant mine;   // as we want to write it
+        QVariant mine;   // as we want to write it; equal to `read` when we did not touch it
     };
     bool gone = false;   // the record was deleted
     QList<Field> fields; // those that the other changed
@@ -91,7 +97,8 @@ public:
 };
 
 // A record class: the base of every entity's query. It works on one record (dialogs), on a small set of child rows, or,
-// bound to a list control, on the focused row of a list.
+// bound to a list control, on the focused row of a list: the getters read that row until records of its own are read or
+// edited, and again after the list is opened or refreshed.
 class CORVEX_API TCorvexADOQuery : public QObject
 {
     Q_OBJECT
@@ -121,6 +128,8 @@ public:
     QString LinkNotesField() const; // the id column that notes attach to
     void SetLinkNotesField(const QString &field);
     QString NotesTableName() const; // the table name under which notes are kept: the written table, upper case
+    // Whether OpenList and brRefresh build the list's statement from these properties; a screen that turns it off opens
+    // its grid itself.
     bool UseDefaultSQL() const;
     void SetUseDefaultSQL(bool use);
     bool OpenAfterLoad() const;
@@ -131,11 +140,13 @@ public:
 
     // ---- as a list
     void OpenList();
-    // Reads the list again; with `locate`, focuses the row whose key is `keyValue` (`keyField` names the key and is ignored when empty).
+    // Reads the list again and keeps its place; with `locate`, a `keyField` and a `keyValue`, focuses the row with that key.
+    // Without a list control it reads the selected records again and stands on that one, when it is still there.
     void brRefresh(bool locate, const QString &keyField, const QString &keyValue);
 
     // ---- as records
-    // Reads the rows with keyField = id (none for id 0) and stands on the first. `append` keeps the rows read before.
+    // Reads the rows with keyField = id (none for id 0), in key order, and stands on the first. `append` keeps the rows
+    // read before. An edit under way is dropped; when reading fails everything stays as it was.
     void SelectRecords(const QString &keyField, int id, bool append);
     // Reads the rows that meet a criterion, in the given order ("" = key order).
     void SelectWhere(const QString &where, const TDbParams &params = {}, const QString &orderBy = {});
@@ -143,31 +154,39 @@ public:
     bool IsEmpty() const { return RecordCount() == 0; }
     void First();
     bool Next(); // false when it stood on the last
-    bool Eof() const;
-    int KeyValue() const; // of the current record; 0 when there is none or it is new and not posted
+    bool Eof() const; // true after Next gave false, and without records
+    // Of the current record; 0 when there is none, and for a new record before the server (Post) or the caller
+    // (SetKeyValue) gave it one.
+    int KeyValue() const;
+    // For a new record of Keys::Client only; throws TDbError otherwise.
     void SetKeyValue(int key);
 
     // ---- editing the current record. One record is edited at a time.
     // Begin a new record, every column at its blank value. The argument is kept for callers' texts and has no effect.
     void brAppend(bool = true);
-    // Begin changing the current record.
+    // Begin changing the current record. It stays compared with what was read when it was selected. While an edit or an
+    // append is under way already, that one goes on.
     void brEdit(bool = true);
     bool IsEditing() const;
     bool IsAppending() const;
     bool IsModified() const; // some column differs from what was read
     // Writes the changed columns (all of them for a new record) and leaves edit state; KeyValue() then holds the key.
     // Throws TRecordConflict when somebody changed or deleted the row since it was read (edit state is kept), TDbError on
-    // any other failure (edit state is kept too; the caller cancels). Uses the caller's transaction, or one of its own.
+    // any other failure (edit state is kept too, a new record's key is 0 again; the caller cancels). Uses the caller's
+    // transaction, or one of its own. Without changes nothing is written, but a deleted row is still a conflict.
     void Post();
-    // Post with the error shown to the user in a box: true when written. TRecordConflict still passes.
+    // Post with the error shown to the user in a box: true when written. Without `showError` it is thrown.
+    // TRecordConflict passes in any case.
     bool brPost(bool showError = true);
     // Drops pending changes.
     void Cancel();
     // After a conflict: takes the row as it stands now as the one that was read, so that the next Post writes mine.
-    // When the row is gone the record becomes a new one.
+    // Columns that I did not change take their value. When the row is gone the record becomes a new one with my values;
+    // it keeps its key if the key is the client's.
     void AcceptTheirsAsRead(const TRecordConflict &conflict);
 
     // ---- tests and statements beside the record
+    // Whether the written table has a row with field = id, or one that meets a criterion.
     bool RecordsExist(const QString &field, int id) const;
     bool RecordsExistCriteria(const QString &criteria, const TDbParams &params = {}) const;
     // Runs a statement on the shared connection. With `showError` a failure is shown and gives false; else it throws.
@@ -179,7 +198,10 @@ public:
 
 private:
     friend class TColumnBase;
+    template <class T> friend class Column;
     void AddColumn(TColumnBase *column);
+    TListSource ListSource() const;
+    void DropRecords();
     QVariant CurrentValue(const TColumnBase &column) const;
     void SetCurrentValue(const TColumnBase &column, const QVariant &value);
     struct Impl;
@@ -207,13 +229,14 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
-// The larger of the table's highest key and `floor`, plus 1: keys up to 50000 belong to records supplied with the system.
+// The larger of the table's highest key (0 when it is empty) and `floor`, plus 1: keys up to 50000 belong to records supplied with the system.
 // Run inside the transaction that writes the record.
 CORVEX_API int GetIdxKey(const QString &keyField, const QString &table, int floor = 50000);
 
 // How the data layer shows an error to the user; set by the forms layer (nothing is shown, only logged, before).
 using TErrorPresenter = std::function<void(const QString &text)>;
 CORVEX_API void SetErrorPresenter(TErrorPresenter presenter);
+// Logs the error with its statement (category "corvex.data", critical) and shows it in words that a user can act on.
 CORVEX_API void PresentError(const TDbError &error);
 
 // One line a column: the typed pair (GetCode/SetCode) and the column object that a dialog binds a control to.
