@@ -110,6 +110,15 @@ void ShowException(const std::exception &error, const QString &doing)
     ErrorMessage(text);
 }
 
+QString FormatText(const QString &pattern, const QStringList &arguments)
+{
+    const QStringList parts = pattern.split(QStringLiteral("%s"));
+    QString text = parts.first();
+    for (qsizetype i = 1; i < parts.size(); ++i)
+        text += arguments.value(i - 1) + parts[i];
+    return text;
+}
+
 QString AskOpenFile(const QString &title, const QString &folder, const QString &filter)
 {
     return QFileDialog::getOpenFileName(OwnerWindow(), title, folder, filter);

@@ -30,6 +30,9 @@ CORVEX_API int ChoiceMessage(const QString &text, const QString &details, const 
 // Reports what went wrong: a TDbError in the server's words, anything else by its text. Also logged.
 CORVEX_API void ShowException(const std::exception &error, const QString &doing = {});
 
+// Puts arguments into a text with "%s" places, one each, in order. An argument that itself holds "%s" stays as it is.
+CORVEX_API QString FormatText(const QString &pattern, const QStringList &arguments);
+
 // File choices, "" when the user cancels. `filter` as QFileDialog takes it.
 CORVEX_API QString AskOpenFile(const QString &title, const QString &folder, const QString &filter);
 CORVEX_API QString AskSaveFile(const QString &title, const QString &proposal, const QString &filter);

@@ -185,7 +185,7 @@ QString TfrmCorvexDlg::RecordCode() const
 void TfrmCorvexDlg::SetDialogCaption()
 {
     const char *pattern = id_ != 0 ? facts_.editCaption : copy_ ? facts_.copyCaption : facts_.addCaption;
-    setWindowTitle(QString::fromUtf8(pattern).replace(QStringLiteral("%s"), loadedCode_));
+    setWindowTitle(FormatText(QString::fromUtf8(pattern), {loadedCode_}));
     TfrmCorvexDlgBase::SetDialogCaption();
 }
 

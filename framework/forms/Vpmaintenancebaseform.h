@@ -98,8 +98,8 @@ protected:
     // State of all actions from the state of the screen, in one place; overriders call the inherited one first.
     virtual void UpdateActions();
 
-    // Opens a dialog on behalf of the user: marks the change as started here until its notification has been delivered.
-    void StartedHere(const std::function<void()> &openDialog);
+    // The id that a record's notes hang on; the focused row's key unless the screen says otherwise.
+    virtual int NotesID() const { return FocusedID(); }
 
     int FocusedID() const { return grid_->FocusedKey(); }
     QString FocusedText(const char *field) const;
@@ -142,9 +142,10 @@ private:
     void BuildModalButtons();
     QAction *AddAction(const char *name, const char *icon, const QString &caption, const QString &tip,
                        const QList<QKeySequence> &keys, void (TfrmMaintenanceBase::*handler)());
-    void OnAdd() { mniMaintAddClick(mniMaintAdd); }
-    void OnEdit() { mniMaintEditClick(mniMaintEdit); }
-    void OnCopy() { mniMaintCopyClick(mniMaintCopy); }
+    void OnAdd();
+    void OnEdit();
+    void OnCopy();
+    void StartChange(void (TfrmMaintenanceBase::*handler)(QObject *), QAction *sender);
     void OnDelete() { mniMaintDeleteClick(mniMaintDelete); }
     void OnNotes() { mniNotesClick(mniNotes); }
     void OnSearch();
@@ -161,6 +162,7 @@ private:
     int systemFunctionId_ = 0;
     bool nonModal_ = false;
     bool loaded_ = false;
+    // The change now under way was started from this screen: its notification focuses the saved record.
     bool startedHere_ = false;
 };
 

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "framework/Ipglobal.h"
+
+#include "framework/Kvglobal.h"
+
+QString BSBEditMask(const QString &format)
+{
+    const QString tail = QStringLiteral(";1;_");
+    const qsizetype dash = format.indexOf(QLatin1Char('-'));
+    if (CountryCode == kOtherCountry || dash < 0)
+        return format + tail;
+    return format.left(dash) + QStringLiteral("\\-") + format.mid(dash + 1) + tail;
+}
+
+QString BankNameCaption()
+{
+    return CountryCode == kAustralia ? QStringLiteral("Bank Name") : QStringLiteral("Bank Abbrv");
+}
+
+TLookupSource StateLookup()
+{
+    TLookupSource source;
+    source.from = QStringLiteral("_iptblStates");
+    source.key = QStringLiteral("idState");
+    source.columns = {{QStringLiteral("cStateCode"), QStringLiteral("State Code")},
+                      {QStringLiteral("cStateDescription"), QStringLiteral("Description")}};
+    source.orderBy = QStringLiteral("cStateCode");
+    return source;
+}
