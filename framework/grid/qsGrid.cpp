@@ -6,11 +6,11 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QIODevice>
 #include <QIcon>
-#include <QFile>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
@@ -25,15 +25,16 @@
 
 namespace {
 
-constexpr int kPage = 100;      // rows read before anything is shown
-constexpr int kFillPage = 250;  // rows read at a time when idle …
-constexpr int kFill = 2000;     // … until the window holds this many
-constexpr int kMargin = 100;    // rows kept ready above and below what is visible
-constexpr int kWindowCap = 6000;
-constexpr int kCellCap = 120000; // wide lists hold fewer rows
-constexpr int kWholeList = 500;  // a complete list of up to this many rows is read again as a whole
+constexpr int kPage = 100;       // rows read before anything is shown
+constexpr int kFillPage = 250;   // rows read at a time when idle …
+constexpr int kFill = 2000;      // … until the window holds this many
+constexpr int kMargin = 100;     // rows kept ready above and below what is visible
+constexpr int kWindowCap = 6000; // wide lists hold fewer rows:
+constexpr int kCellCap = 120000;
+constexpr int kLeastWindowCap = 3000;
+constexpr int kWholeList = 500; // a complete list of up to this many rows is read again as a whole
 constexpr int kExportPage = 500;
-constexpr int kSlowMs = 60;      // a page that takes longer was not found by an index: bigger pages from then on
+constexpr int kSlowMs = 60; // a page that takes longer was not found by an index: bigger pages from then on
 constexpr int kCountDelayMs = 150;
 constexpr int kLeastWidth = 20, kMostWidth = 2000, kMostBestFit = 600;
 
@@ -75,8 +76,8 @@ public:
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override
     {
-        if (event->type() == QEvent::ToolTip && index.isValid() && index.data(Qt::ToolTipRole).isNull()
-            && sizeHint(option, index).width() > option.rect.width()) {
+        if (event->type() == QEvent::ToolTip && index.isValid() && index.data(Qt::ToolTipRole).isNull() &&
+            sizeHint(option, index).width() > option.rect.width()) {
             QToolTip::showText(event->globalPos(), index.data(Qt::DisplayRole).toString().toHtmlEscaped(), view);
             return true;
         }
@@ -106,12 +107,12 @@ QString CsvField(const QString &text)
 
 } // namespace
 
-struct TqsGrid::Impl {
+struct TqsGrid::Impl
+{
     explicit Impl(TqsGrid &grid)
         : q(grid)
         , model(new TqsGridModel(&grid))
-    {
-    }
+    {}
 
     TqsGrid &q;
     TqsGridModel *model;
@@ -237,7 +238,8 @@ struct TqsGrid::Impl {
 
     // ---- reading
 
-    struct Place {
+    struct Place
+    {
         TqsGridModel::Window window;
         int row = -1;     // in the window: what the view is laid out around, and the focus unless `away` is set
         int distance = 0; // of that row from the top of the viewport
@@ -279,8 +281,8 @@ struct TqsGrid::Impl {
         return place;
     }
 
-    // Finds where to stand after the list is read with `query`: on `locate` when the list holds it, else where we stand now.
-    // `sameOrder`: nothing but the data may have changed. Changes nothing here.
+    // Finds where to stand after the list is read with `query`: on `locate` when the list holds it, else where we stand
+    // now. `sameOrder`: nothing but the data may have changed. Changes nothing here.
     Place Find(const TGridQuery &query, std::optional<int> locate, bool sameOrder) const
     {
         const QModelIndex current = q.currentIndex();
@@ -292,13 +294,15 @@ struct TqsGrid::Impl {
             return old >= top && old < top + visible ? old - top : visible / 3;
         };
 
-        if (sameOrder && model->Query().IsOpen() && model->AtBegin() && model->AtEnd() && model->rowCount() <= kWholeList) {
+        if (sameOrder && model->Query().IsOpen() && model->AtBegin() && model->AtEnd() &&
+            model->rowCount() <= kWholeList) {
             Place place;
             place.window = FirstPage(query, kWholeList + kPage);
             if (place.window.atEnd) {
                 const QList<TGridRow> &rows = place.window.rows;
                 const auto rowOf = [&rows](int key) {
-                    const auto it = std::find_if(rows.begin(), rows.end(), [key](const TGridRow &r) { return r.key == key; });
+                    const auto it =
+                        std::find_if(rows.begin(), rows.end(), [key](const TGridRow &r) { return r.key == key; });
                     return it == rows.end() ? -1 : int(it - rows.begin());
                 };
                 if (locate && (place.row = rowOf(*locate)) >= 0) {
@@ -423,10 +427,6 @@ struct TqsGrid::Impl {
         model->pageSize = PageRows();
         if (!down && added)
             SetTop(top + added);
-        if (away) {
-            if (const int row = model->RowOfKey(away->key); row >= 0)
-                SetCurrent(row, -1);
-        }
         --quiet;
         return added > 0;
     }
@@ -450,7 +450,10 @@ struct TqsGrid::Impl {
         --quiet;
     }
 
-    int Cap() const { return std::clamp(kCellCap / std::max(1, int(model->Query().Fields().size())), 2 * kFill / 2 + 1000, kWindowCap); }
+    int Cap() const
+    {
+        return std::clamp(kCellCap / std::max(1, int(model->Query().Fields().size())), kLeastWindowCap, kWindowCap);
+    }
 
     // One step of work for the idle moments; false when there is nothing left to do.
     bool Step()
@@ -530,9 +533,9 @@ struct TqsGrid::Impl {
     // Reads rows for a step of the cursor that would leave the window; brings a far focus back first.
     void PrepareStep(int rows)
     {
-        if (away)
-            FocusRow(*away);
         Guard([&] {
+            if (away)
+                FocusRow(*away);
             while (rows > 0 && !model->halted && q.currentIndex().row() + rows >= model->rowCount() && Extend(true)) {
             }
             while (rows < 0 && !model->halted && q.currentIndex().row() + rows < 0 && Extend(false)) {
@@ -613,7 +616,8 @@ struct TqsGrid::Impl {
     void ShowSortIndicator()
     {
         const QSignalBlocker blocker(q.horizontalHeader());
-        q.horizontalHeader()->setSortIndicator(sortSection, order == TGridOrder::Ascending ? Qt::AscendingOrder : Qt::DescendingOrder);
+        q.horizontalHeader()->setSortIndicator(sortSection, order == TGridOrder::Ascending ? Qt::AscendingOrder
+                                                                                           : Qt::DescendingOrder);
         q.horizontalHeader()->viewport()->update();
     }
 
@@ -675,7 +679,8 @@ struct TqsGrid::Impl {
         QObject::connect(fit, &QAction::triggered, &q, [this] {
             for (int i = 0; i < model->columnCount(); ++i) {
                 if (!q.isColumnHidden(i))
-                    ApplyWidth(i, std::min(kMostBestFit, std::max(q.sizeHintForColumn(i), q.horizontalHeader()->sectionSizeHint(i))));
+                    ApplyWidth(i, std::min(kMostBestFit,
+                                           std::max(q.sizeHintForColumn(i), q.horizontalHeader()->sectionSizeHint(i))));
             }
             Q_EMIT q.LayoutChanged();
         });
@@ -771,6 +776,14 @@ TqsGrid::TqsGrid(QWidget *parent)
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
         if (impl_->quiet == 0)
             impl_->work.start();
+    });
+    connect(impl_->model, &QAbstractItemModel::rowsInserted, this, [this] {
+        const int row = impl_->away ? impl_->model->RowOfKey(impl_->away->key) : -1;
+        if (row < 0)
+            return;
+        ++impl_->quiet;
+        impl_->SetCurrent(row, -1);
+        --impl_->quiet;
     });
     connect(impl_->model, &TqsGridModel::TicksChanged, this, &TqsGrid::TicksChanged);
     // Queued: the view is in the middle of its layout when it fetches.
@@ -1064,7 +1077,10 @@ void TqsGrid::CopyToClipboard() const
     }
     for (QStringList *line : {&captions, &values}) {
         for (QString &text : *line)
-            text.replace(u'\t', u' ').replace(QLatin1String("\r\n"), QLatin1String(" ")).replace(u'\n', u' ').replace(u'\r', u' ');
+            text.replace(u'\t', u' ')
+                .replace(QLatin1String("\r\n"), QLatin1String(" "))
+                .replace(u'\n', u' ')
+                .replace(u'\r', u' ');
     }
     QApplication::clipboard()->setText(captions.join(u'\t') + u'\n' + values.join(u'\t') + u'\n');
 }

@@ -13,7 +13,8 @@ class TqsGridModel final : public QAbstractTableModel
     Q_OBJECT
 public:
     // A stretch of rows and whether it reaches the list's ends.
-    struct Window {
+    struct Window
+    {
         QList<TGridRow> rows;
         bool atBegin = false;
         bool atEnd = false;

@@ -50,8 +50,7 @@ QString EscapedPattern(const QString &text)
 // "7/2026" and "2026" mean the whole month or year; nothing else is taken for a date.
 std::optional<std::pair<QDate, QDate>> DateRange(const QString &text)
 {
-    static const QRegularExpression pattern(
-        QStringLiteral("^\\s*(?:(?:(\\d{1,2})/)?(\\d{1,2})/)?(\\d{4})\\s*$"));
+    static const QRegularExpression pattern(QStringLiteral("^\\s*(?:(?:(\\d{1,2})/)?(\\d{1,2})/)?(\\d{4})\\s*$"));
     const QRegularExpressionMatch match = pattern.match(text);
     if (!match.hasMatch())
         return std::nullopt;
@@ -92,7 +91,8 @@ QString GridText(const TGridColumn &column, const QVariant &value)
         if (!isNumber)
             return value.toString();
         const QString text = QString::number(number, 'f', column.decimals);
-        const bool minusNothing = number < 0 && std::none_of(text.begin(), text.end(), [](QChar c) { return c >= u'1' && c <= u'9'; });
+        const bool minusNothing =
+            number < 0 && std::none_of(text.begin(), text.end(), [](QChar c) { return c >= u'1' && c <= u'9'; });
         return minusNothing ? text.mid(1) : text;
     }
     case TGridColumn::Kind::Date: {
@@ -147,7 +147,8 @@ QString TGridQuery::Expression(QStringView field) const
     return index < 0 ? field.toString() : WithoutAlias(exprs_[index]);
 }
 
-TGridQuery::Condition TGridQuery::Statement(const QString &head, const QList<Condition> &conditions, const QString &tail) const
+TGridQuery::Condition TGridQuery::Statement(const QString &head, const QList<Condition> &conditions,
+                                            const QString &tail) const
 {
     Condition statement;
     QStringList parts;
@@ -178,7 +179,8 @@ QList<TGridRow> TGridQuery::Read(int top, const QList<Condition> &conditions, co
     return rows;
 }
 
-QList<TGridRow> TGridQuery::Walk(bool forward, const TGridRow *from, bool inclusive, int limit, const Condition &extra) const
+QList<TGridRow> TGridQuery::Walk(bool forward, const TGridRow *from, bool inclusive, int limit,
+                                 const Condition &extra) const
 {
     const bool growing = forward == (order_ == TGridOrder::Ascending); // values grow on the way
     const QString than = growing ? QStringLiteral(" > ") : QStringLiteral(" < ");
@@ -192,20 +194,21 @@ QList<TGridRow> TGridQuery::Walk(bool forward, const TGridRow *from, bool inclus
     } else if (sortIsKey_) {
         stretches.append({key_ + keyThan, {{QStringLiteral("qsKey"), from->key}}});
     } else if (const QVariant value = from->values.value(sortIndex_); value.isNull()) {
-        stretches.append({sort + QStringLiteral(" is null and ") + key_ + keyThan, {{QStringLiteral("qsKey"), from->key}}});
+        stretches.append(
+            {sort + QStringLiteral(" is null and ") + key_ + keyThan, {{QStringLiteral("qsKey"), from->key}}});
         if (growing)
             stretches.append({sort + QStringLiteral(" is not null"), {}});
     } else {
-        stretches.append({sort + than.chopped(1) + QStringLiteral("= :qsSort and (") + sort + than + QStringLiteral(":qsSort or ")
-                              + key_ + keyThan + u')',
+        stretches.append({sort + than.chopped(1) + QStringLiteral("= :qsSort and (") + sort + than +
+                              QStringLiteral(":qsSort or ") + key_ + keyThan + u')',
                           {{QStringLiteral("qsSort"), value}, {QStringLiteral("qsKey"), from->key}}});
         if (!growing)
             stretches.append({sort + QStringLiteral(" is null"), {}});
     }
 
     const QString direction = growing ? QString() : QStringLiteral(" desc");
-    const QString tail = QStringLiteral(" order by ") + (sortIsKey_ ? QString() : sort + direction + QStringLiteral(", "))
-                         + key_ + direction;
+    const QString tail = QStringLiteral(" order by ") +
+                         (sortIsKey_ ? QString() : sort + direction + QStringLiteral(", ")) + key_ + direction;
     QList<TGridRow> rows;
     for (const Condition &stretch : std::as_const(stretches)) {
         const int wanted = limit - int(rows.size());
@@ -228,8 +231,7 @@ std::optional<TGridRow> TGridQuery::At(int key) const
 std::optional<TGridRow> TGridQuery::Find(const QString &text, const QList<TGridColumn> &searched, const TGridRow *from,
                                          bool inclusive, bool backwards) const
 {
-    const QList<TGridRow> rows =
-        Walk(!backwards, from, inclusive, 1, Holds(text, searched, QStringLiteral("qsFind")));
+    const QList<TGridRow> rows = Walk(!backwards, from, inclusive, 1, Holds(text, searched, QStringLiteral("qsFind")));
     return rows.isEmpty() ? std::nullopt : std::optional(rows.first());
 }
 
@@ -269,8 +271,10 @@ std::optional<TGridRow> TGridQuery::Adopt(const TGridRow &row, const TGridQuery 
     return adopted;
 }
 
-// Columns whose values are shown by another text are searched by the values whose text fits. Ticks and notes hold no text.
-TGridQuery::Condition TGridQuery::Holds(const QString &text, const QList<TGridColumn> &searched, const QString &prefix) const
+// Columns whose values are shown by another text are searched by the values whose text fits. Ticks and notes hold no
+// text.
+TGridQuery::Condition TGridQuery::Holds(const QString &text, const QList<TGridColumn> &searched,
+                                        const QString &prefix) const
 {
     using Kind = TGridColumn::Kind;
     const Condition nothing{QStringLiteral("1 = 0"), {}};
@@ -292,7 +296,8 @@ TGridQuery::Condition TGridQuery::Holds(const QString &text, const QList<TGridCo
         if (!column.displayValues.isEmpty()) {
             for (const auto &[value, shown] : column.displayValues) {
                 if (shown.contains(text, Qt::CaseInsensitive))
-                    parts += value.isNull() ? field + QStringLiteral(" is null") : field + QStringLiteral(" = ") + bind(value);
+                    parts += value.isNull() ? field + QStringLiteral(" is null")
+                                            : field + QStringLiteral(" = ") + bind(value);
             }
             continue;
         }
@@ -305,8 +310,8 @@ TGridQuery::Condition TGridQuery::Holds(const QString &text, const QList<TGridCo
         case Kind::Float: {
             if (column.display)
                 break;
-            parts += QStringLiteral("cast(") + field + QStringLiteral(" as nvarchar(50)) like :") + patternName
-                     + QStringLiteral(" escape '\\'");
+            parts += QStringLiteral("cast(") + field + QStringLiteral(" as nvarchar(50)) like :") + patternName +
+                     QStringLiteral(" escape '\\'");
             patternUsed = true;
             // "12.50" is what 12.5 looks like on the screen.
             bool isNumber = false;
@@ -317,8 +322,9 @@ TGridQuery::Condition TGridQuery::Holds(const QString &text, const QList<TGridCo
         }
         case Kind::Date:
             if (const auto range = DateRange(text); range && !column.display)
-                parts += u'(' + field + QStringLiteral(" >= ") + bind(range->first.startOfDay()) + QStringLiteral(" and ") + field
-                         + QStringLiteral(" < ") + bind(range->second.startOfDay()) + u')';
+                parts += u'(' + field + QStringLiteral(" >= ") + bind(range->first.startOfDay()) +
+                         QStringLiteral(" and ") + field + QStringLiteral(" < ") + bind(range->second.startOfDay()) +
+                         u')';
             break;
         case Kind::Bool:
         case Kind::Notes:

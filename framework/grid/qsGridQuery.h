@@ -9,12 +9,14 @@
 #include "framework/grid/qsGrid.h"
 
 // One record of a list: its key and its values in the order of TGridQuery::Fields().
-struct TGridRow {
+struct TGridRow
+{
     int key = 0;
     QVariantList values;
 };
 
-// What a grid shows of a value: display lists, decimals, dates as day/month/year; "Yes" or "No" for Bool, "Yes" or "" for Notes.
+// What a grid shows of a value: display lists, decimals, dates as day/month/year; "Yes" or "No" for Bool, "Yes" or ""
+// for Notes.
 QString GridText(const TGridColumn &column, const QVariant &value);
 
 // The statements of a list: source, fields, order and filter, and the reading of rows from any place in that order.
@@ -24,7 +26,8 @@ class TGridQuery
 {
 public:
     TGridQuery() = default;
-    // `sortField` "" or the key field sorts by the key alone. `text` "" filters nothing; it is looked for in `searched`.
+    // `sortField` "" or the key field sorts by the key alone. `text` "" filters nothing; it is looked for in
+    // `searched`.
     TGridQuery(const TListSource &source, const QList<TGridColumn> &columns, const QString &sortField, TGridOrder order,
                const QString &text, const QList<TGridColumn> &searched);
 
@@ -40,7 +43,8 @@ public:
     QList<TGridRow> Before(const TGridRow &row, int limit) const { return Walk(false, &row, false, limit, {}); }
     // The row with a key, if the list holds it under its filters.
     std::optional<TGridRow> At(int key) const;
-    // The nearest row below (or above) `from` in which one of `searched` holds the text; from the list's start (or end) without `from`.
+    // The nearest row below (or above) `from` in which one of `searched` holds the text; from the list's start (or end)
+    // without `from`.
     std::optional<TGridRow> Find(const QString &text, const QList<TGridColumn> &searched, const TGridRow *from,
                                  bool inclusive, bool backwards) const;
     qlonglong Count() const;
@@ -52,7 +56,8 @@ public:
     std::optional<TGridRow> Adopt(const TGridRow &row, const TGridQuery &other) const;
 
 private:
-    struct Condition {
+    struct Condition
+    {
         QString sql;
         TDbParams params;
     };
@@ -63,7 +68,7 @@ private:
     QString Expression(QStringView field) const;
 
     QString from_;
-    QString key_;      // as it is written in statements
+    QString key_;       // as it is written in statements
     QStringList exprs_; // fields as they are written in statements
     QStringList names_; // … and as the result names them
     int keyIndex_ = -1;
