@@ -71,6 +71,3 @@ SELECT '_IPTBLBANKS', MIN(idBank), 'Rejects account numbers of fewer than nine d
 FROM dbo._iptblBanks WHERE cCode LIKE 'BQL%'
 GO
 
-INSERT INTO dbo._btblActivityLog (dWhen, iAgentID, cAgentName, iLogType, cKind, cCode, cAction)
-SELECT '2026-07-01', idAgent, cAgentName, 0, 'Database', '', 'Created' FROM dbo._btblAgents WHERE cAgentName = 'Administrator'
-GO

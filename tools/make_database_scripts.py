@@ -9,12 +9,13 @@ The same input always gives the same scripts.
 import csv
 import re
 import sys
+import textwrap
 from collections import defaultdict
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 LARGE_INSTITUTIONS = ["ANZ", "BQL", "BSA", "BWA", "CBA", "CUS", "HBA", "MBL", "MET", "NAB", "SGP", "STG", "WBC"]
-BRANCHES_PER_STATE = 3
+BRANCHES_PER_STATE = 4
 BANK_NAME_LIMIT = 50
 
 
@@ -44,7 +45,9 @@ class Script:
         """INSERTs of at most `group` rows each (a server takes no more than 1000 in one)."""
         for start in range(0, len(rows), group):
             lines = ",\n".join("    (" + ", ".join(row) + ")" for row in rows[start:start + group])
-            self.parts.append(f"INSERT INTO dbo.{table} ({', '.join(columns)}) VALUES\n{lines}\nGO\n")
+            head = textwrap.fill(f"INSERT INTO dbo.{table} ({', '.join(columns)}) VALUES", 120, subsequent_indent="    ",
+                                 break_long_words=False)
+            self.parts.append(f"{head}\n{lines}\nGO\n")
 
     def write(self):
         (OUTPUT / self.name).write_text("\n".join(self.parts), encoding="utf-8", newline="\n")
@@ -115,6 +118,173 @@ def demo_banks():
     script.write()
 
 
+NO_LIMIT = "9999999"
+
+
+def tax_key(year, position, per_year):
+    """Keys of supplied records: below 50001 and the same whichever other years are supplied."""
+    return str((int(year) - 2000) * per_year + position)
+
+
+def by_year(rows, *key):
+    """Rows grouped by tax year, then by the named columns, in the order of the file."""
+    years = defaultdict(lambda: defaultdict(list))
+    for row in rows:
+        years[row["tax_year_end"]][tuple(row[k] for k in key)].append(row)
+    return years
+
+
+def tax_scales():
+    script = Script("220_reference_tax_scales.sql", "Withholding scales of the tax office with their brackets, and Medicare scales.")
+    codes = list(dict.fromkeys(s["scale"] for s in read("tax_scales.csv")))
+    script.rows("_iptblTaxOfficeScaleCodes", ["idTaxOfficeScaleCode", "iCountry", "cCode"],
+                [[str(i), "5", text(code)] for i, code in enumerate(codes, 1)])
+
+    medicare_names = {"2": "Medicare levy, tax-free threshold claimed", "6": "Medicare levy, half exemption"}
+    medicare, medicare_keys = [], {}
+    for year, scales in by_year(read("medicare_scales.csv"), "scale").items():
+        for position, ((scale,), (row,)) in enumerate(scales.items(), 1):
+            medicare_keys[year, scale] = tax_key(year, position, 100)
+            # The factor is the exact annual threshold / 52, an amount to take off; the published threshold is whole dollars.
+            medicare.append([medicare_keys[year, scale], text(scale), text(medicare_names[scale]), year,
+                             *(number(row[c]) for c in (
+                                 "eligible_from_weekly", "shade_in_threshold", "family_threshold_annual", "wft_divisor",
+                                 "additional_child", "sop_multiplier", "sop_divisor", "weekly_earnings_threshold",
+                                 "medicare_levy"))])
+    script.rows("_iptblMedicareScales",
+                ["idMedicareScales", "cCode", "cMedicareScaleDescription", "iTaxYear", "fWeeklyEarningsThreshold",
+                 "fWeeklyEarningsShadeInThreshold", "fFamilyThreshold", "fWFTDivisor", "fAdditionalChildAllowance",
+                 "fSOPMultiplier", "fSOPDivisor", "fWLAFactor", "fAdjustmentLevy"], medicare)
+
+    # Tax offsets are claimed on the scales of people who claim the tax-free threshold.
+    with_offsets = {"2", "5", "6"}
+    scales, scale_keys = [], {}
+    for year, rows in by_year(read("tax_scales.csv"), "scale").items():
+        for position, ((code,), (row,)) in enumerate(rows.items(), 1):
+            scale_keys[year, code] = tax_key(year, position, 100)
+            link = medicare_keys.get((year, code), "0")
+            scales.append([scale_keys[year, code], text(code), text(row["description"]), "0",
+                           "1" if code in with_offsets else "0", "0", "5", year, link, text(code if link != "0" else "")])
+    script.rows("_iptblTaxScales",
+                ["idTaxScales", "cCode", "cDescription", "bUserDefinable", "bRatesApplicable", "bIncludeLeaveLoading",
+                 "iCountry", "iTaxYear", "iMedicareScalesID", "cMedicareScaleCode"], scales)
+
+    brackets = []
+    for year, rows in by_year(read("tax_brackets.csv")).items():
+        for position, row in enumerate(rows[()], 1):
+            brackets.append([tax_key(year, position, 1000), scale_keys[year, row["scale"]], text(row["scale"]), year,
+                             number(row["weekly_less_than"]), number(row["a"]), number(row["b"]), "0"])
+    script.rows("_iptblTaxBrackets",
+                ["idTaxBrackets", "iTaxScalesID", "cTaxScaleCode", "iBracketTaxYear", "TaxBracket", "TaxPercentage",
+                 "TaxAmount", "CoefficientC"], brackets)
+    script.write()
+
+
+TABLE_NAMES = {"TFT": "Tax-free threshold claimed or foreign resident", "NTFT": "Tax-free threshold not claimed"}
+
+
+def day(iso):
+    """2025-09-23 as "23 September 2025"."""
+    months = ["January", "February", "March", "April", "May", "June", "July", "August", "September", "October", "November",
+              "December"]
+    year, month, date = iso.split("-")
+    return f"{int(date)} {months[int(month) - 1]} {year}"
+
+
+def loan_scales():
+    script = Script("230_reference_loan_scales.sql", "Study and training loan scales and the former financial supplement's.")
+    scales, brackets = [], []
+    for year, tables in by_year(read("stsl_brackets.csv"), "table", "effective_from", "effective_to").items():
+        ends = {name: max(end for n, _, end in tables if n == name) for name, _, _ in tables}
+        starts = {name: min(start for n, start, _ in tables if n == name) for name, _, _ in tables}
+        bracket = 0
+        for position, ((name, start, end), rows) in enumerate(tables.items(), 1):
+            key = tax_key(year, position, 100)
+            code, description = name, TABLE_NAMES[name]
+            if end != ends[name]:    # superseded within the year: the code says when it ended
+                date, month, _ = day(end).split()
+                code += f"-{date}{month[:3].upper()}"
+            if (start, end) != (starts[name], ends[name]):
+                description += f" ({day(start)} to {day(end)})"
+            scales.append([key, text(code), text(description), year])
+            for row in rows:
+                bracket += 1
+                brackets.append([tax_key(year, bracket, 1000), key, year, number(row["weekly_less_than"]), number(row["a"]),
+                                 number(row["b"])])
+    script.rows("_iptblHECSScales", ["idHECSScales", "cCode", "cDescription", "iTaxYear"], scales)
+    script.rows("_iptblHECSBrackets",
+                ["idHECSBrackets", "iHECSScalesID", "iTaxYear", "fWeeklyEarnings", "CoefficientA", "CoefficientB"], brackets)
+
+    scales, brackets = [], []
+    for year, tables in by_year(read("sfss_brackets.csv"), "table").items():
+        bracket = 0
+        for position, ((name,), rows) in enumerate(tables.items(), 1):
+            key = tax_key(year, position, 100)
+            scales.append([key, text(name), text(TABLE_NAMES[name]), year])
+            for row in rows:
+                bracket += 1
+                brackets.append([tax_key(year, bracket, 1000), key, year, number(row["weekly_less_than"]), number(row["rate"])])
+    script.rows("_iptblSFSSScales", ["idSFSSScales", "cCode", "cDescription", "iTaxYear"], scales)
+    script.rows("_iptblSFSSBrackets", ["idSFSSBrackets", "iSFSSScalesID", "iTaxYear", "fWeeklyEarnings", "CoefficientA"],
+                brackets)
+    script.write()
+
+
+# Columns of the Australian parameters and the published figures that fill them; a figure not published stays 0.
+AU_PARAMETERS = [
+    ("TerminationTaxRate", "etp_rate_under_preservation_age"),
+    ("TermNoTFNResidentRate", "no_tfn_rate_resident"),
+    ("TermNoTFNNonResRate", "no_tfn_rate_foreign"),
+    ("TermAssAmtPercent", "lump_sum_b_taxable_percent"),
+    ("TermSpecRateMedLevy", "medicare_levy_rate"),
+    ("ReducedTaxRate", "etp_rate_preservation_age"),
+    ("TermAboveCapRate", "etp_rate_over_cap"),
+    ("TaxReductionAmount", "etp_cap"),
+    ("TaxReductionAmount", "etp_lower_cap_transitional"),
+    ("TermETPUpperCap", "etp_upper_cap_transitional"),
+    ("TermWholeOfIncomeCap", "whole_of_income_cap"),
+    ("TermETPInitTaxFree", "genuine_redundancy_base"),
+    ("TermETPAnnualTaxFree", "genuine_redundancy_per_year"),
+]
+NZ_PARAMETERS = [
+    ("fPayrollGivingCredit", "payroll_giving_credit_rate"),
+    ("fLoanRate", "student_loan_rate"),
+    ("fAnnualLoanThreshold", "student_loan_threshold_annual"),
+    ("fLevyRate", "acc_earners_levy_rate"),
+    ("fAnnualLevyThreshold", "acc_maximum_earnings"),
+]
+
+
+def tax_parameters():
+    script = Script("240_reference_tax_parameters.sql", "Tax parameters of Australia, New Zealand and the third country.")
+    columns = list(dict.fromkeys(column for column, _ in AU_PARAMETERS))
+    rows = []
+    for year, parameters in by_year(read("tax_parameters_au.csv"), "parameter").items():
+        values = {}
+        for column, parameter in AU_PARAMETERS:
+            for row in parameters.get((parameter,), []):
+                values[column] = number(row["value"])
+        rows.append([year, "5", *(values.get(column, "0") for column in columns)])
+    script.rows("_iptblSGLTaxParameters", ["iTaxYear", "iCountry", *columns], rows)
+
+    rows, lump_sums, options = [], [], []
+    for year, parameters in by_year(read("tax_parameters_nz.csv"), "parameter").items():
+        values = {column: number(parameters[parameter,][0]["value"])
+                  for column, parameter in NZ_PARAMETERS if (parameter,) in parameters}
+        if len(values) < len(NZ_PARAMETERS):    # regulated in advance in part only
+            continue
+        rows.append([year, "6", *(values[column] for column, _ in NZ_PARAMETERS)])
+        # Income is taken in whole dollars, tax to the cent.
+        options.append([year, "6", "1", "0.01"])
+        lump_sums += [[year, "6", number(row["income_up_to"]) or NO_LIMIT, number(row["value"])]
+                      for row in parameters["extra_pay_rate",]]
+    options += [[row[0], "7", "1", "0.01"] for row in rows]
+    script.rows("_iptblTaxParametersNZ", ["iTaxYear", "iCountry", *(column for column, _ in NZ_PARAMETERS)], rows)
+    script.rows("_iptblTaxOptions", ["iTaxYear", "iCountry", "fRoundTaxableGrossTo", "fRoundTaxTo"], options)
+    script.rows("_iptblLumpSumTaxRates", ["iTaxYear", "iCountry", "fLumpSum", "fTaxRate"], lump_sums)
+    script.write()
+
+
 if __name__ == "__main__":
     if len(sys.argv) not in (2, 3):
         sys.exit(__doc__)
@@ -123,3 +293,6 @@ if __name__ == "__main__":
     places()
     institutions()
     demo_banks()
+    tax_scales()
+    loan_scales()
+    tax_parameters()
