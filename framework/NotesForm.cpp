@@ -176,7 +176,8 @@ bool TNotesForm::WriteUnlessChanged(TNote &theirs)
 {
     const QString text = memNotes->toPlainText();
     const bool blank = text.trimmed().isEmpty();
-    if (blank ? read_.id == 0 : text == read_.text)
+    // The box ends lines in its own way: a text that nobody touched is not a change.
+    if (!memNotes->document()->isModified() || (blank ? read_.id == 0 : text == read_.text))
         return true;
 
     TDbConnection &database = MainConnection();
