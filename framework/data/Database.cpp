@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "framework/data/Database.h"
 
+#include <QCoreApplication>
 #include <QLoggingCategory>
 
 namespace {
@@ -75,6 +76,12 @@ QString QuotedSQL(QStringView text)
 
 void SetMainConnection(std::unique_ptr<TDbConnection> connection)
 {
+    // Closed with the application: Qt's drivers are gone when statics are destroyed.
+    static const bool closing = [] {
+        qAddPostRoutine([] { TheMainConnection().reset(); });
+        return true;
+    }();
+    Q_UNUSED(closing)
     TheMainConnection() = std::move(connection);
 }
 
