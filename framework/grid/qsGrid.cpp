@@ -360,6 +360,7 @@ struct TqsGrid::Impl
             before = query.Adopt(*before, model->Query());
         const bool complete = place.window.atBegin && place.window.atEnd;
         ++quiet;
+        model->halted = true; // a view that is being filled would fetch at once
         model->Show(query, std::move(place.window));
         away.reset();
         if (place.away) {
@@ -375,6 +376,7 @@ struct TqsGrid::Impl
         }
         SetTop(place.row - place.distance);
         q.horizontalScrollBar()->setValue(across);
+        model->halted = false;
         --quiet;
         if (!sameOrder) {
             slow = false;

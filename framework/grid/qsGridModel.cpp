@@ -34,7 +34,6 @@ void TqsGridModel::Show(const TGridQuery &query, Window window)
     beginResetModel();
     query_ = query;
     window_ = std::move(window);
-    halted = false;
     for (int i = 0; i < columns_.size(); ++i)
         fieldOfColumn_[i] = query_.FieldIndex(columns_[i].field);
     endResetModel();
@@ -216,7 +215,7 @@ bool TqsGridModel::setData(const QModelIndex &index, const QVariant &value, int 
 
 Qt::ItemFlags TqsGridModel::flags(const QModelIndex &index) const
 {
-    Qt::ItemFlags flags = QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
+    Qt::ItemFlags flags = QAbstractTableModel::flags(index);
     if (index.isValid() && index.column() == tickColumn_)
         flags |= Qt::ItemIsUserCheckable;
     return flags;

@@ -136,7 +136,7 @@ private:
     }
     static int TopKey(const TqsGrid &grid)
     {
-        return grid.model()->index(grid.rowAt(0), 0).data(TqsGrid::KeyRole).toInt();
+        return grid.model()->index(grid.verticalScrollBar()->value(), 0).data(TqsGrid::KeyRole).toInt();
     }
     // `keys` is a stretch of `all`.
     static bool IsStretchOf(const QList<int> &keys, const QList<int> &all)
@@ -428,7 +428,7 @@ private Q_SLOTS:
             db->Reset();
             grid->ReReadList(Source("dbo.Many"), true, key);
             QVERIFY2(db->rows < 500, qPrintable(QString::number(db->rows)));
-            QVERIFY(db->statements.size() <= 4);
+            QVERIFY2(db->statements.size() <= 4, qPrintable(db->statements.join('\n')));
             QCOMPARE(grid->FocusedKey(), key);
             QCOMPARE(moved.takeLast().first().toInt(), key);
             QVERIFY(moved.isEmpty());
@@ -658,9 +658,9 @@ private Q_SLOTS:
         QCOMPARE(grid->FocusedKey(), key);
         Settle();
         QVERIFY(IsFocusVisible(*grid));
-        QTest::keyClicks(grid.get(), "m000012");
+        QTest::keyClicks(grid.get(), "m00099");
         QCOMPARE(grid->CurrentValue(u"cCode").toString().left(7),
-                 "NM00012"); // the next one below that holds it: letters search too
+                 "NM00099"); // the next one below that holds it: letters search too
     }
 
     void FilteringKeepsTheFocusAndCounts()
@@ -677,8 +677,7 @@ private Q_SLOTS:
         QTRY_COMPARE(grid->RecordCount(), fits.size());
         QVERIFY(IsStretchOf(Keys(*grid), fits));
         // Locating a row that the filter hides keeps the place.
-        const int other = all[60001];
-        QVERIFY(!fits.contains(other));
+        const int other = *std::find_if(all.begin() + 60000, all.end(), [&](int key) { return !fits.contains(key); });
         grid->ReReadList(Source("dbo.Many"), true, other);
         QCOMPARE(grid->FocusedKey(), all[60000]);
         QVERIFY(!grid->FocusKey(other));
@@ -767,6 +766,7 @@ private Q_SLOTS:
         grid->horizontalHeader()->moveSection(1, 0);
         QVERIFY(grid->model()->index(0, 1).data(Qt::CheckStateRole).isValid());
         QVERIFY(!grid->model()->index(0, 0).data(Qt::CheckStateRole).isValid());
+        QVERIFY(grid->FocusKey(all[1]));
         QTest::keyClick(grid.get(), Qt::Key_Space);
         db->Execute("delete from dbo.Few where idItem = :id", {{"id", all[0]}});
         grid->ReReadList(Source("dbo.Few"), false, 0);
@@ -847,7 +847,10 @@ private Q_SLOTS:
         QCOMPARE(QApplication::clipboard()->text(),
                  "Code\tName\tGroup\tAmount\tActive\tDay\tNotes\nB2\tO'Brien\t2\t0.00\tNo\t\t\n");
         QTest::keyClick(grid.get(), Qt::Key_Return);
-        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(grid->model()->index(3, 1)).center());
+        QCOMPARE(activated.size(), 1);
+        const QPoint cell = grid->visualRect(grid->model()->index(3, 1)).center();
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, cell);
+        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, cell);
         QCOMPARE(activated.size(), 2);
         QCOMPARE(activated[0].first().toInt() + 2, activated[1].first().toInt());
         // A click beside the rows changes nothing.
