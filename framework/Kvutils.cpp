@@ -25,6 +25,12 @@ QList<TGlobalListener *> &Listeners()
     return listeners;
 }
 
+// The data layer has no windows of its own: what it reports is shown here.
+const bool presenterSet = [] {
+    SetErrorPresenter([](const QString &text) { ErrorMessage(text); });
+    return true;
+}();
+
 QPointer<QWidget> &ControlWindow()
 {
     static QPointer<QWidget> window;
@@ -101,9 +107,12 @@ int ChoiceMessage(const QString &text, const QString &details, const QStringList
 
 void ShowException(const std::exception &error, const QString &doing)
 {
-    QString text = QString::fromUtf8(error.what());
-    if (const auto *database = dynamic_cast<const TDbError *>(&error))
-        text = database->message;
+    const auto *database = dynamic_cast<const TDbError *>(&error);
+    if (database && doing.isEmpty()) {
+        PresentError(*database);
+        return;
+    }
+    QString text = database ? database->message : QString::fromUtf8(error.what());
     if (!doing.isEmpty())
         text = doing + QStringLiteral("\n\n") + text;
     qCInfo(lcUser).noquote() << text;

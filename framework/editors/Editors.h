@@ -255,10 +255,10 @@ public:
     // A column of the chosen record, any that the source has; invalid when empty. Throws TDbError.
     QVariant Field(QStringView field) const;
 
+    void showPopup() override;
+
 Q_SIGNALS:
     void ValueChanged();
-
-    void showPopup() override;
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
