@@ -1,4 +1,4 @@
--- Tables that every screen shares: the installation's settings, people at work, notes, the activity log and common look-ups.
+-- Tables that every screen shares: the settings of the installation, people at work, notes, the activity log and common look-ups.
 
 -- One row: what the installation is set to.
 CREATE TABLE dbo.Defaults (
@@ -82,7 +82,7 @@ GO
 CREATE UNIQUE INDEX IX__iptblChangeReasons_Reason ON dbo._iptblChangeReasons (cChangeReason)
 GO
 
--- Free text on any record, by the record's table (in capitals) and key. A record has one note, so that a list joined to its
+-- Free text on any record, by table name (in capitals) and key. A record has one note, so that a list joined to its
 -- notes shows each record once.
 CREATE TABLE dbo._btblNotes (
     idNotes int IDENTITY(1,1) NOT NULL CONSTRAINT PK__btblNotes PRIMARY KEY,

@@ -48,7 +48,7 @@ CREATE TABLE dbo._iptblExportLayout (
 )
 GO
 
--- The employer's own bank accounts, from which payments are made.
+-- The bank accounts of the employer, from which payments are made.
 CREATE TABLE dbo._iptblEFTParameters (
     idEFT int IDENTITY(1,1) NOT NULL CONSTRAINT PK__iptblEFTParameters PRIMARY KEY,
     cCode nvarchar(10) NULL,
@@ -103,7 +103,7 @@ GO
 CREATE INDEX IX__iptblEmployee_PayerGroup ON dbo._iptblEmployee (iPayerGroupID, iPayFrequencyID)
 GO
 
--- Where an employee's pay goes.
+-- Where the pay of an employee goes.
 CREATE TABLE dbo._iptblEmployeeBank (
     idEmployeeBank int IDENTITY(1,1) NOT NULL CONSTRAINT PK__iptblEmployeeBank PRIMARY KEY,
     iEmployeeID int NULL,

@@ -1,5 +1,5 @@
 -- Tax tables. The client makes the keys of scales and brackets: those up to 50000 belong to records supplied with the system.
--- iCountry is the installation's country code (5, 6, 7); iTaxYear the calendar year in which the tax year ends.
+-- iCountry is the country code of the installation (5, 6, 7); iTaxYear the calendar year in which the tax year ends.
 
 -- The codes of the scales that the tax office specifies; whoever holds one of these in its country is not for users to change.
 CREATE TABLE dbo._iptblTaxOfficeScaleCodes (

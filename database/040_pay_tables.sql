@@ -1,4 +1,4 @@
--- Pay structure: rate types with their versions, and everything that refers to a rate type. iRateTypeID is the master's id everywhere.
+-- Pay structure: rate types with their versions, and everything that refers to a rate type. iRateTypeID is the id of the master everywhere.
 
 CREATE TABLE dbo._iptblFormulaMain (
     idFormulaMain int IDENTITY(1,1) NOT NULL CONSTRAINT PK__iptblFormulaMain PRIMARY KEY,
@@ -176,7 +176,7 @@ GO
 CREATE INDEX IX__iptblEmployeeAdditionalRates_Employee ON dbo._iptblEmployeeAdditionalRates (iEmployeeID)
 GO
 
--- Pay transactions: this year's, previous years', and their costing.
+-- Pay transactions of this year and of previous years, and their costing.
 CREATE TABLE dbo._iptblEmployeeTrans (
     idEmployeeTrans int IDENTITY(1,1) NOT NULL CONSTRAINT PK__iptblEmployeeTrans PRIMARY KEY,
     iEmployeeID int NULL,
@@ -256,7 +256,7 @@ GO
 CREATE INDEX IX__iptblEmployeeTransCostingEOY_LeaveReason ON dbo._iptblEmployeeTransCostingEOY (iLeaveReasonID)
 GO
 
--- The rate types that count towards a leave type; iLeaveID is the leave type of the table's kind.
+-- The rate types that count towards a leave type; iLeaveID is the leave type of that kind.
 CREATE TABLE dbo._iptblSickLeaveRateTypes (
     idSickLeaveRateType int IDENTITY(1,1) NOT NULL CONSTRAINT PK__iptblSickLeaveRateTypes PRIMARY KEY,
     iLeaveID int NOT NULL,

@@ -1,4 +1,4 @@
--- Deletes a bank and its note, in the caller's transaction or in one of its own.
+-- Deletes a bank and its note, in the transaction of the caller or in one of its own.
 -- Returns 0 when done; 1 with an error when an EFT institution or an employee uses the bank; 2 with an error when there is none.
 CREATE PROCEDURE dbo._ipspDeleteBank
     @BankID int

@@ -1,4 +1,4 @@
--- Sets the installation to a country and to that country's bank number format and tax year.
+-- Sets the installation to a country and to the bank number format and tax year of that country.
 -- Returns 0 when done; 1 with an error for a country that the product does not know.
 CREATE PROCEDURE dbo._ipspSetInstallationCountry
     @Country int

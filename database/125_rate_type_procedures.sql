@@ -59,7 +59,7 @@ END
 GO
 
 -- Adds (@iChangeType 1), changes (2) or deletes (3) a version of a rate type; the values of the version are those that stand in
--- the master row. Joins the caller's transaction or opens one of its own.
+-- the master row. Joins the transaction of the caller or opens one of its own.
 -- 1: the new version ends what was in force on its date the day before, and takes the end that that one had.
 -- 2: a version whose date moves leaves its old place as if deleted and enters the new one as if added.
 -- 3: the version before takes over the end of the deleted one. The last live version takes the master and its notes with it.

@@ -1,4 +1,4 @@
--- Study and training loan scales and the former financial supplement's.
+-- Study and training loan scales, and those of the former financial supplement.
 -- Made by tools/make_database_scripts.py: change that, not this.
 
 INSERT INTO dbo._iptblHECSScales (idHECSScales, cCode, cDescription, iTaxYear) VALUES

@@ -46,7 +46,7 @@ SELECT 'SUPER', 'Commonwealth Bank of Australia', 1, 'HARBOUR AND HILL', 'HARBOU
 FROM dbo._iptblBanks WHERE cCode LIKE 'CBA%'
 GO
 
--- Each employee is paid into the last branch in the directory's order of one institution.
+-- Each employee is paid into the last branch of one institution, as the directory orders them.
 INSERT INTO dbo._iptblEmployeeBank (iEmployeeID, iBankID, iEFTID, cAccountName, cAccountNumber, fPercent)
 SELECT E.idEmployee, MAX(B.idBank), MAX(P.idEFT), MAX(E.cGivenNames + ' ' + E.cSurname), '10020030' + RIGHT(E.cCode, 1), 100
 FROM dbo._iptblEmployee E, dbo._iptblBanks B, dbo._iptblEFTParameters P
@@ -59,15 +59,15 @@ GROUP BY E.idEmployee, E.cCode
 GO
 
 INSERT INTO dbo._btblNotes (cNOTETBLTableName, fNOTETBLTableID, cNote, iCreateAgentID, dCreated)
-SELECT '_IPTBLBANKS', iBankID, 'Pays the wages. Ask the treasurer before changing anything here.', 2, '2026-07-01'
+SELECT '_IPTBLBANKS', iBankID, 'Pays the wages. Ask the treasurer before changing anything here.', 2, '20260701'
 FROM dbo._iptblEFTParameters WHERE cCode = 'WAGES'
 GO
 INSERT INTO dbo._btblNotes (cNOTETBLTableName, fNOTETBLTableID, cNote, iCreateAgentID, dCreated)
-SELECT '_IPTBLBANKS', MAX(idBank), N'Branch moves in September; the number stays. — Mere', 4, '2026-08-14'
+SELECT '_IPTBLBANKS', MAX(idBank), N'Branch moves in September; the number stays. — Mere', 4, '20260814'
 FROM dbo._iptblBanks WHERE cCode LIKE 'WBC%'
 GO
 INSERT INTO dbo._btblNotes (cNOTETBLTableName, fNOTETBLTableID, cNote, iCreateAgentID, dCreated)
-SELECT '_IPTBLBANKS', MIN(idBank), 'Rejects account numbers of fewer than nine digits.', 3, '2026-09-02'
+SELECT '_IPTBLBANKS', MIN(idBank), 'Rejects account numbers of fewer than nine digits.', 3, '20260902'
 FROM dbo._iptblBanks WHERE cCode LIKE 'BQL%'
 GO
 

@@ -1,4 +1,4 @@
--- Demonstration data: scales of the employer's own beside the tax office's, and the scales of the employees.
+-- Demonstration data: own scales of the employer beside those of the tax office, and the scales of the employees.
 
 INSERT INTO dbo._iptblTaxScales (idTaxScales, cCode, cDescription, bUserDefinable, bRatesApplicable, bIncludeLeaveLoading, iCountry,
     iTaxYear, iMedicareScalesID, cMedicareScaleCode) VALUES

@@ -192,7 +192,7 @@ def day(iso):
 
 
 def loan_scales():
-    script = Script("230_reference_loan_scales.sql", "Study and training loan scales and the former financial supplement's.")
+    script = Script("230_reference_loan_scales.sql", "Study and training loan scales, and those of the former financial supplement.")
     scales, brackets = [], []
     for year, tables in by_year(read("stsl_brackets.csv"), "table", "effective_from", "effective_to").items():
         ends = {name: max(end for n, _, end in tables if n == name) for name, _, _ in tables}
