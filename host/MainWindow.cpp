@@ -60,7 +60,6 @@ TfrmMain::TfrmMain(std::unique_ptr<TCorvexPackageInterface> package, QString scr
     , tabScreens(new QTabWidget(stack_))
 {
     setObjectName(QStringLiteral("frmMain"));
-    setWindowIcon(ScreenIcon(QStringLiteral("app")));
     setCentralWidget(splitter_);
 
     auto *lblWelcome = new QLabel(tr("Open a screen from the navigation tree on the left.\n\nCtrl+Shift+F goes to its "
@@ -144,9 +143,8 @@ void TfrmMain::ShowScreen(QWidget *screen)
 {
     if (sending_ != 0)
         openedBy_.insert(screen, sending_);
-    const QIcon icon = screen->windowIcon().isNull() || screen->windowIcon().cacheKey() == windowIcon().cacheKey()
-                           ? ScreenIcon(QStringLiteral("screen"))
-                           : screen->windowIcon();
+    const QIcon icon =
+        screen->testAttribute(Qt::WA_SetWindowIcon) ? screen->windowIcon() : ScreenIcon(QStringLiteral("screen"));
     // An ampersand in a title is no access key here.
     const auto title = [](QString text) { return text.replace(QLatin1Char('&'), QStringLiteral("&&")); };
     const int index = tabScreens->addTab(screen, icon, title(screen->windowTitle()));

@@ -5,6 +5,7 @@
 
 #include "framework/Corvexpackagemanager.h"
 #include "framework/Kvutils.h"
+#include "framework/Screens.h"
 #include "host/Agents.h"
 #include "host/Application.h"
 #include "host/Batch.h"
@@ -101,6 +102,7 @@ int RunBatch(TfrmMain &window, const THostOptions &options)
 int Run(const THostOptions &options)
 {
     auto package = LoadMaintenance();
+    QApplication::setWindowIcon(ScreenIcon(QStringLiteral("app")));
     // While the application object and with it the database drivers are still there.
     const auto disconnectAtEnd = qScopeGuard([] { SetMainConnection(nullptr); });
     if (!OpenFirstDatabase(options))
