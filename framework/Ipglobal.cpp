@@ -27,3 +27,12 @@ TLookupSource StateLookup()
     source.orderBy = QStringLiteral("cStateCode");
     return source;
 }
+
+bool TaxScaleEditable(const QString &Code, bool)
+{
+    return MainConnection()
+        .Select(QStringLiteral("select idTaxOfficeScaleCode from _iptblTaxOfficeScaleCodes "
+                               "where iCountry = :country and cCode = :code"),
+                {{QStringLiteral("country"), int(CountryCode)}, {QStringLiteral("code"), Code.trimmed()}})
+        .isEmpty();
+}

@@ -17,3 +17,8 @@ CORVEX_API QString BankNameCaption();
 
 // States, by code.
 CORVEX_API TLookupSource StateLookup();
+
+// True when the code names a scale of the user's, false for one that the tax office of the installation's country specifies. The
+// tax office's codes are reference data; an empty or unknown code is the user's. The second argument is kept for callers' texts
+// and has no effect. Throws TDbError.
+CORVEX_API bool TaxScaleEditable(const QString &Code, bool);

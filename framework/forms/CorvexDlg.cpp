@@ -4,6 +4,8 @@
 #include <QKeyEvent>
 #include <QPushButton>
 
+#include <utility>
+
 #include "framework/Kvglobal.h"
 #include "framework/Screens.h"
 
@@ -127,6 +129,27 @@ void TfrmCorvexDlgBase::FocusControl(QWidget *control)
         edit->selectAll();
 }
 
+TfrmCorvexDlgBase::TConflictAnswer TfrmCorvexDlgBase::AskConflict(const TRecordConflict &conflict)
+{
+    QString text;
+    QString details;
+    if (conflict.gone) {
+        text = tr("Another user has deleted this record while you were editing it.");
+    } else {
+        text = tr("Another user has changed this record while you were editing it.");
+        for (const TRecordConflict::Field &field : conflict.fields) {
+            const TFieldBinding *binding = fields.FindField(field.field);
+            details += tr("%1: was %2, is now %3, yours is %4\n")
+                           .arg(binding ? binding->caption : field.field, ValueText(field.read),
+                                ValueText(field.theirs), ValueText(field.mine));
+        }
+    }
+    const QStringList answers{tr("&Back to Editing"),
+                              conflict.gone ? tr("&Leave It Deleted") : tr("&Keep the Other's"),
+                              conflict.gone ? tr("&Save Mine as New") : tr("&Write Mine")};
+    return TConflictAnswer(ChoiceMessage(text, details, answers, 0));
+}
+
 void TfrmCorvexDlgBase::showEvent(QShowEvent *event)
 {
     if (!shown_) {
@@ -243,6 +266,7 @@ bool TfrmCorvexDlg::SaveRecord()
                 if (const int key = NewKey())
                     query_.SetKeyValue(key);
             }
+            BeforePost();
             query_.Post();
             SaveChildren();
             if (facts_.logKind) {
@@ -274,28 +298,12 @@ bool TfrmCorvexDlg::SaveRecord()
 
 bool TfrmCorvexDlg::ResolveConflict(const TRecordConflict &conflict, bool &writeMine)
 {
-    QString text;
-    QString details;
-    if (conflict.gone) {
-        text = tr("Another user has deleted this record while you were editing it.");
-    } else {
-        text = tr("Another user has changed this record while you were editing it.");
-        for (const TRecordConflict::Field &field : conflict.fields) {
-            const TFieldBinding *binding = fields.FindField(field.field);
-            details += tr("%1: was %2, is now %3, yours is %4\n")
-                           .arg(binding ? binding->caption : field.field, ValueText(field.read),
-                                ValueText(field.theirs), ValueText(field.mine));
-        }
-    }
-    const QStringList answers{tr("&Back to Editing"),
-                              conflict.gone ? tr("&Leave It Deleted") : tr("&Keep the Other's"),
-                              conflict.gone ? tr("&Save Mine as New") : tr("&Write Mine")};
-    switch (ChoiceMessage(text, details, answers, 0)) {
-    case 1:
+    switch (AskConflict(conflict)) {
+    case TConflictAnswer::KeepTheirs:
         // Every list then shows what stands in the database.
         BroadcastChange(facts_.changedMessage, conflict.gone ? 0 : id_);
         return true;
-    case 2:
+    case TConflictAnswer::WriteMine:
         writeMine = true;
         return true;
     default:
@@ -328,6 +336,23 @@ void TfrmCorvexDlg2::FormCloseQuery(int result, bool &CanClose)
     if (result != QDialog::Accepted)
         return;
     CanClose = RunChecks([this](TChecks &check) { ValidateInformation(check); });
-    if (CanClose)
-        SaveEditFields();
+    bool save = CanClose;
+    while (std::exchange(save, false)) {
+        try {
+            SaveEditFields();
+        } catch (const TRecordConflict &conflict) {
+            const TConflictAnswer answer = AskConflict(conflict);
+            CanClose = answer != TConflictAnswer::BackToEditing;
+            save = answer == TConflictAnswer::WriteMine;
+            if (!save)
+                continue;
+            Reread();
+            // What was not changed here takes the other's value.
+            for (const TRecordConflict::Field &field : conflict.fields) {
+                const TFieldBinding *binding = fields.FindField(field.field);
+                if (binding && binding->load && field.mine == field.read)
+                    binding->load();
+            }
+        }
+    }
 }

@@ -38,6 +38,9 @@ protected:
     bool RunChecks(const std::function<void(TChecks &)> &ask);
     // Brings a control's page to the front and focuses it.
     void FocusControl(QWidget *control);
+    // Tells what somebody else did to the record meanwhile, and asks what to do about it.
+    enum class TConflictAnswer { BackToEditing, KeepTheirs, WriteMine };
+    TConflictAnswer AskConflict(const TRecordConflict &conflict);
 
     void showEvent(QShowEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
@@ -98,6 +101,8 @@ protected:
     virtual void SetSaveFields();
     // Allocates the key of a new record whose table has no identity; runs inside the save's transaction.
     virtual int NewKey() { return 0; }
+    // Inside the save's transaction, before the record is posted: may throw TRecordConflict for rows that belong to the record.
+    virtual void BeforePost() {}
     // Child rows, after the record is posted and inside its transaction.
     virtual void SaveChildren() {}
     // After the commit, before the dialog closes.
@@ -137,7 +142,10 @@ protected:
     void FormCloseQuery(int result, bool &CanClose) override;
     virtual void ValidateInformation(TChecks &check) = 0;
     // Writes the values; throws on failure, which is shown, and the dialog closes only when nothing was lost: it stays open.
+    // After a TRecordConflict the user is asked; to write his values all the same, it is called once more after Reread.
     virtual void SaveEditFields() = 0;
+    // Reads the records again and leaves the controls alone; for dialogs whose SaveEditFields throws TRecordConflict.
+    virtual void Reread() {}
 
 private:
     int helpContext_;
