@@ -49,11 +49,14 @@ public:
         const QString file = QStringLiteral(":/icons/notes.svg");
         if (QFile::exists(file))
             noteIcon_ = QIcon(file);
+        if (noteIcon_.pixmap(16, 16).isNull())
+            noteIcon_ = QIcon(); // no reader for the format
     }
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
     {
         QStyledItemDelegate::paint(painter, option, index);
+        PaintCheckFrame(painter, option, index);
         const TGridColumn &column = grid_->Columns()[index.column()];
         if (column.kind != TGridColumn::Kind::Notes || column.display || index.data(TqsGrid::RawValueRole).isNull())
             return;
@@ -93,6 +96,20 @@ protected:
     }
 
 private:
+    // Styles draw the frame of a check box darker than the window, which nobody sees on a dark one.
+    void PaintCheckFrame(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+    {
+        if (!index.data(Qt::CheckStateRole).isValid() || option.palette.color(QPalette::Base).lightness() > 127)
+            return;
+        QStyleOptionViewItem full = option;
+        initStyleOption(&full, index);
+        painter->save();
+        painter->setPen(option.palette.color(QPalette::PlaceholderText));
+        painter->drawRect(
+            grid_->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &full, grid_).adjusted(0, 0, -1, -1));
+        painter->restore();
+    }
+
     TqsGrid *grid_;
     QIcon noteIcon_;
 };
