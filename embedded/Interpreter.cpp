@@ -1,0 +1,1271 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "embedded/Interpreter.h"
+
+#include <QDateTime>
+
+#include <unordered_map>
+
+#include "embedded/Functions.h"
+#include "embedded/Parser.h"
+
+namespace embedded {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kMaxCalls = 32; // procedures within procedures, as on the server
+
+// What a caller gives, in the form in which it is bound.
+Variable FromCaller(const QString &name, const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::UnknownType:
+        return {};
+    case QMetaType::Bool:
+        return {Type::Kind::Bit, value.isNull() ? QVariant() : QVariant(qlonglong(value.toBool()))};
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Long:
+    case QMetaType::LongLong: {
+        const qlonglong number = value.toLongLong();
+        const bool big = number != qlonglong(int(number));
+        return {big ? Type::Kind::BigInt : Type::Kind::Int, value.isNull() ? QVariant() : QVariant(number)};
+    }
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return {Type::Kind::Float, value.isNull() ? QVariant() : QVariant(value.toDouble())};
+    case QMetaType::QString: {
+        const QString text = value.toString();
+        return {Type::Kind::Text, text.isNull() ? QVariant() : QVariant(text)};
+    }
+    case QMetaType::QDate:
+    case QMetaType::QDateTime: {
+        const QDateTime moment = value.typeId() == QMetaType::QDate ? value.toDate().startOfDay() : value.toDateTime();
+        return {Type::Kind::DateTime, moment.isValid() ? QVariant(DateText(moment)) : QVariant()};
+    }
+    case QMetaType::QByteArray:
+        return {Type::Kind::Binary, value.isNull() ? QVariant() : value};
+    case QMetaType::Nullptr:
+        return {};
+    default:
+        throw Error(Error::Kind::Other, 257,
+                    u"A value of type %1 cannot be given as parameter '%2'."_s.arg(QString::fromLatin1(value.typeName()), name),
+                    0, 0, name);
+    }
+}
+
+// A stored value as the caller sees it.
+QVariant ToCaller(const QVariant &value, const Type &type)
+{
+    if (!value.isValid())
+        return value;
+    const bool whole = value.typeId() == QMetaType::LongLong;
+    switch (type.kind) {
+    case Type::Kind::Bit:
+        return whole ? QVariant(value.toLongLong() != 0) : value;
+    case Type::Kind::BigInt:
+        return value;
+    case Type::Kind::Unknown:
+    case Type::Kind::TinyInt:
+    case Type::Kind::SmallInt:
+    case Type::Kind::Int: {
+        const qlonglong number = value.toLongLong();
+        return whole && number == qlonglong(int(number)) ? QVariant(int(number)) : value;
+    }
+    case Type::Kind::Float:
+    case Type::Kind::Money:
+    case Type::Kind::Decimal:
+        return whole ? QVariant(value.toDouble()) : value;
+    case Type::Kind::Text:
+        return value.typeId() == QMetaType::QByteArray ? value : QVariant(value.toString());
+    case Type::Kind::DateTime: {
+        const QDateTime moment = DateFromText(value.toString());
+        return moment.isValid() ? QVariant(moment) : value;
+    }
+    case Type::Kind::Date: {
+        const QDateTime moment = DateFromText(value.toString());
+        return moment.isValid() ? QVariant(moment.date()) : value;
+    }
+    case Type::Kind::Binary:
+        return value.typeId() == QMetaType::QString ? QVariant(value.toString().toUtf8()) : value;
+    }
+    return value;
+}
+
+} // namespace
+
+// A statement that was translated and prepared for variables of certain types.
+struct Interpreter::Compiled {
+    StatementHandle handle;
+    Translation translation;
+    QByteArray signature;
+    quint64 generation = 0;
+    quint64 temporaryGeneration = 0;
+};
+
+// All of one batch, by the statement or expression that was translated.
+struct CompiledSet {
+    std::unordered_map<const void *, std::vector<std::unique_ptr<Interpreter::Compiled>>> entries;
+    std::vector<std::unique_ptr<Interpreter::Compiled>> replaced; // in use further out while they were recompiled
+};
+
+struct Interpreter::Cursor {
+    const SelectStatement *select = nullptr;
+    QList<Column> columns;
+    QList<QVariantList> rows;
+    qsizetype at = 0;
+    bool open = false;
+};
+
+// What a batch, procedure or function has of its own while it runs.
+struct Interpreter::Frame {
+    Program *program = nullptr;
+    QHash<QString, Variable> variables;
+    QHash<QString, QString> tables; // table variables: the temporary tables behind them
+    QStringList temporaries;        // temporary tables that end with the frame
+    QHash<QString, Cursor> cursors;
+    std::optional<Error> caught;
+    QVariant identity; // SCOPE_IDENTITY()
+    QVariant returned;
+    Type returns;      // of a function
+    Outcome *outcome = nullptr;
+    bool function = false;
+};
+
+Interpreter::Interpreter(Database &database, const Limits &limits)
+    : database_(database)
+    , catalogue_(database)
+    , programs_(qMax(1, limits.cachedStatements))
+{
+    catalogue_.describe = [this](const CreateViewStatement &view) { return DescribeView(catalogue_, view); };
+    database_.callFunction = [this](const QString &name, const QVariantList &arguments) {
+        return CallFunction(name, arguments);
+    };
+}
+
+Interpreter::~Interpreter() = default;
+
+// ---- entry points
+
+std::shared_ptr<Program> Interpreter::ParseCached(const QString &batch, bool keep)
+{
+    if (const std::shared_ptr<Program> *known = programs_.object(batch))
+        return *known;
+    std::shared_ptr<Program> program = Parse(batch);
+    if (keep)
+        programs_.insert(batch, new std::shared_ptr<Program>(program));
+    return program;
+}
+
+Outcome Interpreter::Run(const QString &batch, const QVariantMap &parameters, bool keep)
+{
+    const std::shared_ptr<Program> program = ParseCached(batch, keep);
+    Outcome outcome;
+    Frame frame;
+    frame.program = program.get();
+    frame.outcome = &outcome;
+    for (auto parameter = parameters.constBegin(); parameter != parameters.constEnd(); ++parameter) {
+        const QString name = u'@' + parameter.key().toLower();
+        if (!program->undeclared.contains(name))
+            throw Error(Error::Kind::Unknown, 8145, u"\"%1\" is not a parameter of the statement."_s.arg(parameter.key()), 0, 0,
+                        parameter.key());
+        frame.variables.insert(name, FromCaller(parameter.key(), parameter.value()));
+    }
+    if (frame.variables.size() < program->undeclared.size()) {
+        for (auto used = program->undeclared.constBegin(); used != program->undeclared.constEnd(); ++used) {
+            if (!frame.variables.contains(used.key()))
+                Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(used.key()), used.value(), used.key());
+        }
+    }
+    const int transactions = transactions_;
+    try {
+        RunList(frame, program->statements);
+    } catch (...) {
+        LeaveFrame(frame);
+        AfterError(transactions);
+        throw;
+    }
+    LeaveFrame(frame);
+    outcome.identity = frame.identity.toLongLong();
+    return outcome;
+}
+
+int Interpreter::Call(const QString &name, QVariantMap &parameters)
+{
+    QString plain = name;
+    plain.remove(u'[').remove(u']');
+    if (plain.startsWith("dbo."_L1, Qt::CaseInsensitive))
+        plain.remove(0, 4);
+    const std::shared_ptr<const ProcedureRoutine> procedure = catalogue_.FindProcedure(plain);
+    if (!procedure)
+        Unknown(2812, u"Could not find stored procedure '%1'."_s.arg(name), {}, name);
+    Frame frame;
+    frame.program = procedure->program.get();
+    QHash<QString, QString> keys; // '@name' to the caller's spelling
+    for (auto parameter = parameters.constBegin(); parameter != parameters.constEnd(); ++parameter)
+        keys.insert(u'@' + parameter.key().toLower(), parameter.key());
+    const std::vector<Parameter> &declared = procedure->definition->parameters;
+    for (auto key = keys.constBegin(); key != keys.constEnd(); ++key) {
+        if (std::none_of(declared.cbegin(), declared.cend(), [&key](const Parameter &p) { return p.name == key.key(); }))
+            throw Error(Error::Kind::Unknown, 8145, u"@%1 is not a parameter for procedure %2."_s.arg(key.value(), name), 0, 0,
+                        key.value());
+    }
+    const int transactions = transactions_;
+    int returned = 0;
+    try {
+        for (const Parameter &parameter : declared) {
+            Variable variable{parameter.type, {}};
+            if (keys.contains(parameter.name))
+                variable.value = Adopt(FromCaller(parameter.label, parameters[keys[parameter.name]]), parameter.type);
+            else if (parameter.defaultValue)
+                variable.value = Evaluate(frame, *parameter.defaultValue, parameter.type);
+            else if (!parameter.output)
+                throw Error(Error::Kind::Unknown, 201,
+                            u"Procedure or function '%1' expects parameter '@%2', which was not supplied."_s.arg(name, parameter.label),
+                            0, 0, parameter.label);
+            frame.variables.insert(parameter.name, variable);
+        }
+        returned = RunProcedure(frame, *procedure);
+    } catch (...) {
+        AfterError(transactions);
+        throw;
+    }
+    for (const Parameter &parameter : declared) {
+        if (parameter.output)
+            parameters[keys.value(parameter.name, parameter.label)] =
+                ToCaller(frame.variables[parameter.name].value, parameter.type);
+    }
+    return returned;
+}
+
+QString Interpreter::Translate(const QString &batch)
+{
+    const std::shared_ptr<Program> program = ParseCached(batch, true);
+    Frame frame;
+    frame.program = program.get();
+    for (auto used = program->undeclared.constBegin(); used != program->undeclared.constEnd(); ++used)
+        frame.variables.insert(used.key(), {});
+    if (program->statements.size() != 1)
+        Refuse(u"More than one statement"_s, {1, 1});
+    const Statement &statement = *program->statements.front();
+    Translator translator(
+        catalogue_, [&](const QString &name) { return Lookup(frame, name); }, nullptr);
+    switch (statement.kind) {
+    case Statement::Kind::Select:
+        return translator.Select(static_cast<const SelectStatement &>(statement)).sql;
+    case Statement::Kind::Insert:
+        return translator.Insert(static_cast<const InsertStatement &>(statement)).sql;
+    case Statement::Kind::Update:
+        return translator.Update(static_cast<const UpdateStatement &>(statement)).sql;
+    case Statement::Kind::Delete:
+        return translator.Delete(static_cast<const DeleteStatement &>(statement)).sql;
+    default:
+        Refuse(u"The translation of this statement"_s, statement.place);
+    }
+}
+
+void Interpreter::ClearTranslations()
+{
+    programs_.clear();
+    catalogue_.Changed();
+}
+
+// ---- transactions
+
+void Interpreter::Begin()
+{
+    if (database_.InTransaction())
+        throw Error(Error::Kind::Other, 3988, u"A new transaction is not allowed because there is one open already."_s);
+    database_.Execute(u"BEGIN IMMEDIATE"_s);
+    transactions_ = 1;
+    definedInTransaction_ = false;
+}
+
+void Interpreter::Commit()
+{
+    if (!database_.InTransaction())
+        throw Error(Error::Kind::Other, 3902, u"The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."_s);
+    database_.Execute(u"COMMIT"_s); // what fails here leaves the transaction open, or has ended it: AfterError looks
+    transactions_ = 0;
+}
+
+void Interpreter::Rollback()
+{
+    if (database_.InTransaction())
+        database_.Execute(u"ROLLBACK"_s);
+    transactions_ = 0;
+    if (definedInTransaction_)
+        catalogue_.Changed();
+    definedInTransaction_ = false;
+}
+
+void Interpreter::AfterError(int transactionsBefore)
+{
+    if (!database_.InTransaction()) { // SQLite rolls back by itself when the disk is full or fails
+        if (transactions_ > 0)
+            Rollback();
+    } else if (transactionsBefore == 0) {
+        Rollback(); // nobody is left who knows of it
+    } else {
+        transactions_ = transactionsBefore;
+    }
+}
+
+void Interpreter::RunTransaction(const TransactionStatement &statement)
+{
+    switch (statement.action) {
+    case TransactionStatement::Action::Begin:
+        if (transactions_ == 0)
+            Begin();
+        else
+            ++transactions_;
+        break;
+    case TransactionStatement::Action::Commit:
+        if (transactions_ > 1)
+            --transactions_;
+        else
+            Commit();
+        break;
+    case TransactionStatement::Action::Rollback:
+        if (transactions_ == 0)
+            throw Error(Error::Kind::Other, 3903, u"The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."_s);
+        Rollback();
+        break;
+    }
+}
+
+void Interpreter::Atomically(const std::function<void()> &work)
+{
+    const bool outermost = !database_.InTransaction();
+    database_.Execute(outermost ? u"BEGIN IMMEDIATE"_s : u"SAVEPOINT cx_definition"_s);
+    try {
+        work();
+        database_.Execute(outermost ? u"COMMIT"_s : u"RELEASE cx_definition"_s);
+    } catch (...) {
+        if (database_.InTransaction()) {
+            database_.Execute(outermost ? u"ROLLBACK"_s : u"ROLLBACK TO cx_definition"_s);
+            if (!outermost)
+                database_.Execute(u"RELEASE cx_definition"_s);
+        }
+        catalogue_.Changed();
+        throw;
+    }
+    definedInTransaction_ |= !outermost;
+    catalogue_.Changed();
+}
+
+// ---- values
+
+const Variable *Interpreter::Lookup(Frame &frame, const QString &name)
+{
+    if (!name.startsWith("@@"_L1)) {
+        const auto variable = frame.variables.constFind(name);
+        return variable == frame.variables.constEnd() ? nullptr : &*variable;
+    }
+    const auto number = [this](const QVariant &value, Type::Kind kind = Type::Kind::Int) {
+        scratch_ = {kind, value};
+        return &scratch_;
+    };
+    if (name == "@@rowcount"_L1)
+        return number(qlonglong(rowCount_));
+    if (name == "@@error"_L1)
+        return number(qlonglong(lastError_));
+    if (name == "@@trancount"_L1)
+        return number(qlonglong(transactions_));
+    if (name == "@@xact_state"_L1)
+        return number(qlonglong(transactions_ > 0));
+    if (name == "@@fetch_status"_L1)
+        return number(qlonglong(fetchStatus_));
+    if (name == "@@identity"_L1)
+        return number(lastIdentity_, Type::Kind::BigInt);
+    if (name == "@@scope_identity"_L1)
+        return number(frame.identity, Type::Kind::BigInt);
+    if (name == "@@error_message"_L1)
+        return number(frame.caught ? QVariant(frame.caught->text) : QVariant(), Type::Kind::Text);
+    if (name == "@@error_number"_L1)
+        return number(frame.caught ? QVariant(qlonglong(frame.caught->number)) : QVariant());
+    if (name == "@@error_severity"_L1)
+        return number(frame.caught ? QVariant(qlonglong(16)) : QVariant());
+    if (name == "@@error_state"_L1)
+        return number(frame.caught ? QVariant(qlonglong(1)) : QVariant());
+    return nullptr;
+}
+
+Interpreter::Compiled &Interpreter::Compile(Frame &frame, const void *node,
+                                            const std::function<Translation(Translator &)> &translate)
+{
+    if (!frame.program->compiled)
+        frame.program->compiled = std::make_shared<CompiledSet>();
+    CompiledSet &set = *frame.program->compiled;
+    std::vector<std::unique_ptr<Compiled>> &variants = set.entries[node];
+    const auto sign = [&](const QStringList &names) {
+        QByteArray signature;
+        for (const QString &name : names) {
+            const Variable *variable = Lookup(frame, name);
+            const bool classes = variable && variable->value.typeId() == QMetaType::QString
+                && variable->value.toString().contains(u'[');
+            signature += char((variable ? int(variable->type.kind) : 31) + (classes ? 64 : 32));
+        }
+        return signature;
+    };
+    for (size_t i = 0; i < variants.size(); ++i) {
+        Compiled &known = *variants[i];
+        const bool stale = known.generation != catalogue_.Generation()
+            || (known.translation.temporary && known.temporaryGeneration != catalogue_.TemporaryGeneration());
+        if (stale || sqlite3_stmt_busy(known.handle.get())) {
+            if (!stale)
+                set.replaced.push_back(std::move(variants[i])); // a function that calls itself
+            variants.erase(variants.begin() + qsizetype(i--));
+        } else if (known.signature == sign(known.translation.variables)) {
+            return known;
+        }
+    }
+    std::erase_if(set.replaced, [](const auto &old) { return !sqlite3_stmt_busy(old->handle.get()); });
+
+    auto compiled = std::make_unique<Compiled>();
+    Translator translator(
+        catalogue_, [&](const QString &name) { return Lookup(frame, name); },
+        [&](const QString &name) { return frame.tables.value(name); });
+    compiled->translation = translate(translator);
+    compiled->handle = database_.Prepare(compiled->translation.sql);
+    compiled->signature = sign(compiled->translation.variables);
+    compiled->generation = catalogue_.Generation();
+    compiled->temporaryGeneration = catalogue_.TemporaryGeneration();
+    if (variants.size() >= 16)
+        variants.erase(variants.begin());
+    variants.push_back(std::move(compiled));
+    return *variants.back();
+}
+
+void Interpreter::Bind(Frame &frame, const Compiled &compiled)
+{
+    const QStringList &names = compiled.translation.variables;
+    for (qsizetype i = 0; i < names.size(); ++i)
+        database_.Bind(compiled.handle.get(), int(i + 1), Lookup(frame, names[i])->value);
+}
+
+namespace {
+
+// Ends a statement's work when the block is left, however that happens: it must hold no lock and no value.
+class Running
+{
+public:
+    explicit Running(sqlite3_stmt *statement)
+        : statement_(statement)
+    {
+    }
+    ~Running()
+    {
+        sqlite3_reset(statement_);
+        sqlite3_clear_bindings(statement_);
+    }
+    Running(const Running &) = delete;
+    Running &operator=(const Running &) = delete;
+
+private:
+    sqlite3_stmt *statement_;
+};
+
+} // namespace
+
+QVariant Interpreter::Evaluate(Frame &frame, const Expr &expr, const Type &target)
+{
+    const Compiled &compiled = Compile(frame, &expr, [&](Translator &translator) { return translator.Value(expr, target); });
+    const Running running(compiled.handle.get());
+    Bind(frame, compiled);
+    if (!database_.Step(compiled.handle.get()))
+        return {};
+    QVariant value = Database::Value(compiled.handle.get(), 0);
+    if (value.typeId() == QMetaType::LongLong && compiled.translation.columns.front().type.IsFloat())
+        value = value.toDouble();
+    return value;
+}
+
+bool Interpreter::Holds(Frame &frame, const Expr &expr)
+{
+    const Compiled &compiled = Compile(frame, &expr, [&](Translator &translator) { return translator.Condition(expr); });
+    const Running running(compiled.handle.get());
+    Bind(frame, compiled);
+    return database_.Step(compiled.handle.get()) && sqlite3_column_int64(compiled.handle.get(), 0) != 0;
+}
+
+// A value of one type as another: what needs no work here, the rest by the translator's rules.
+QVariant Interpreter::Adopt(const Variable &value, const Type &target)
+{
+    if (!value.value.isValid())
+        return {};
+    const bool sameText = value.type.IsText() && target.IsText();
+    if (sameText)
+        return target.length < 0 ? value.value : QVariant(value.value.toString().left(target.length));
+    if (value.type.IsInteger() && target.IsInteger() && target.kind != Type::Kind::Bit)
+        return value.value;
+    if (value.type.IsFloat() && target.kind == Type::Kind::Float)
+        return value.value.toDouble();
+    if (value.type.kind == target.kind && target.kind != Type::Kind::Decimal && target.kind != Type::Kind::Money)
+        return value.value;
+    Program program;
+    Frame frame;
+    frame.program = &program;
+    frame.variables.insert(u"@value"_s, value);
+    Expr expr;
+    expr.kind = Expr::Kind::Variable;
+    expr.text = u"@value"_s;
+    return Evaluate(frame, expr, target);
+}
+
+void Interpreter::Assign(Frame &frame, const QString &name, const Variable &value)
+{
+    const auto variable = frame.variables.find(name);
+    if (variable == frame.variables.end())
+        Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(name), {}, name);
+    variable->value = Adopt(value, variable->type);
+}
+
+// ---- statements
+
+Interpreter::Flow Interpreter::RunList(Frame &frame, const StatementList &list)
+{
+    for (const StatementPtr &statement : list) {
+        const Flow flow = RunStatement(frame, *statement);
+        if (flow != Flow::Next)
+            return flow;
+    }
+    return Flow::Next;
+}
+
+Interpreter::Flow Interpreter::RunStatement(Frame &frame, const Statement &statement)
+{
+    using Kind = Statement::Kind;
+    switch (statement.kind) {
+    case Kind::Select:
+        RunSelect(frame, static_cast<const SelectStatement &>(statement));
+        break;
+    case Kind::Insert:
+    case Kind::Update:
+    case Kind::Delete:
+        RunChange(frame, statement);
+        break;
+    case Kind::CreateTable:
+    case Kind::AlterTable:
+    case Kind::CreateIndex:
+    case Kind::CreateView:
+    case Kind::CreateFunction:
+    case Kind::CreateProcedure:
+    case Kind::Drop:
+        RunDefinition(frame, statement);
+        break;
+    case Kind::Declare:
+        RunDeclare(frame, static_cast<const DeclareStatement &>(statement));
+        break;
+    case Kind::Set: {
+        const auto &set = static_cast<const SetStatement &>(statement);
+        const auto variable = frame.variables.constFind(set.variable);
+        if (variable == frame.variables.constEnd())
+            Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(set.variable), statement.place, set.variable);
+        const QVariant value = Evaluate(frame, *set.value, variable->type);
+        frame.variables[set.variable].value = value;
+        break;
+    }
+    case Kind::SetOption: {
+        const auto &option = static_cast<const SetOptionStatement &>(statement);
+        if (!option.identityInsert.isEmpty())
+            identityInsert_ = option.on ? option.identityInsert : QString();
+        break;
+    }
+    case Kind::If: {
+        const auto &branch = static_cast<const IfStatement &>(statement);
+        if (Holds(frame, *branch.condition))
+            return RunStatement(frame, *branch.then);
+        return branch.otherwise ? RunStatement(frame, *branch.otherwise) : Flow::Next;
+    }
+    case Kind::While: {
+        const auto &loop = static_cast<const WhileStatement &>(statement);
+        while (Holds(frame, *loop.condition)) {
+            const Flow flow = RunStatement(frame, *loop.body);
+            if (flow == Flow::Break)
+                break;
+            if (flow == Flow::Return)
+                return flow;
+        }
+        break;
+    }
+    case Kind::Block:
+        return RunList(frame, static_cast<const BlockStatement &>(statement).body);
+    case Kind::Break:
+        return Flow::Break;
+    case Kind::Continue:
+        return Flow::Continue;
+    case Kind::Return: {
+        const auto &result = static_cast<const ReturnStatement &>(statement);
+        if (result.value)
+            frame.returned = Evaluate(frame, *result.value, frame.function ? frame.returns : Type(Type::Kind::Int));
+        return Flow::Return;
+    }
+    case Kind::Exec:
+        RunExec(frame, static_cast<const ExecStatement &>(statement));
+        break;
+    case Kind::RaisError:
+        RunRaisError(frame, static_cast<const RaisErrorStatement &>(statement));
+        break;
+    case Kind::Throw:
+        RunThrow(frame, static_cast<const ThrowStatement &>(statement));
+        break;
+    case Kind::Print:
+        break;
+    case Kind::Try:
+        return RunTry(frame, static_cast<const TryStatement &>(statement));
+    case Kind::Transaction:
+        RunTransaction(static_cast<const TransactionStatement &>(statement));
+        break;
+    case Kind::Cursor:
+        RunCursor(frame, static_cast<const CursorStatement &>(statement));
+        break;
+    }
+    lastError_ = 0;
+    return Flow::Next;
+}
+
+QList<QVariantList> Interpreter::ReadAll(Frame &frame, const SelectStatement &statement, QList<Column> &columns)
+{
+    const Compiled &compiled =
+        Compile(frame, &statement, [&](Translator &translator) { return translator.Select(statement); });
+    sqlite3_stmt *const handle = compiled.handle.get();
+    columns = compiled.translation.columns;
+    const Running running(handle);
+    Bind(frame, compiled);
+    QList<QVariantList> rows;
+    const int count = int(columns.size());
+    while (database_.Step(handle)) {
+        QVariantList row;
+        row.reserve(count);
+        for (int i = 0; i < count; ++i)
+            row.append(Database::Value(handle, i));
+        rows.append(std::move(row));
+    }
+    return rows;
+}
+
+void Interpreter::RunSelect(Frame &frame, const SelectStatement &statement)
+{
+    const SelectCore &core = statement.query.arms.front();
+    if (statement.assigns && core.from.empty() && !core.where && !core.top) {
+        // one after the other, so that a later expression sees what an earlier one assigned
+        for (const SelectItem &item : core.items) {
+            const auto variable = frame.variables.constFind(item.assignedTo);
+            if (variable == frame.variables.constEnd())
+                Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(item.assignedTo), item.place, item.assignedTo);
+            const QVariant value = Evaluate(frame, *item.expr, variable->type);
+            frame.variables[item.assignedTo].value = value;
+        }
+        rowCount_ = 1;
+        return;
+    }
+    QList<Column> columns;
+    QList<QVariantList> rows = ReadAll(frame, statement, columns);
+    rowCount_ = int(rows.size());
+    if (statement.assigns) {
+        for (qsizetype i = 0; i < columns.size() && !rows.isEmpty(); ++i)
+            frame.variables[columns[i].name].value = rows.last()[i];
+        return;
+    }
+    if (!frame.outcome)
+        return;
+    for (QVariantList &row : rows) {
+        for (qsizetype i = 0; i < columns.size(); ++i)
+            row[i] = ToCaller(row[i], columns[i].type);
+    }
+    frame.outcome->rows.columns.clear();
+    for (const Column &column : std::as_const(columns))
+        frame.outcome->rows.columns.append(column.name);
+    frame.outcome->rows.rows = std::move(rows);
+    frame.outcome->hasRows = true;
+}
+
+void Interpreter::RunChange(Frame &frame, const Statement &statement)
+{
+    const Compiled &compiled = Compile(frame, &statement, [&](Translator &translator) {
+        return statement.kind == Statement::Kind::Insert ? translator.Insert(static_cast<const InsertStatement &>(statement))
+            : statement.kind == Statement::Kind::Update  ? translator.Update(static_cast<const UpdateStatement &>(statement))
+                                                         : translator.Delete(static_cast<const DeleteStatement &>(statement));
+    });
+    const Translation &translation = compiled.translation;
+    if (!translation.identityTable.isEmpty()) {
+        const bool allowed = identityInsert_.compare(translation.identityTable, Qt::CaseInsensitive) == 0;
+        if (translation.identityGiven && !allowed)
+            throw Error(Error::Kind::Check, 544,
+                        u"Cannot insert explicit value for identity column in table '%1' when IDENTITY_INSERT is set to OFF."_s.arg(
+                            translation.identityTable),
+                        statement.place.line, statement.place.column, translation.identityTable);
+        if (!translation.identityGiven && allowed)
+            throw Error(Error::Kind::Check, 545,
+                        u"Explicit value must be specified for identity column in table '%1' when IDENTITY_INSERT is set to ON."_s
+                            .arg(translation.identityTable),
+                        statement.place.line, statement.place.column, translation.identityTable);
+    }
+    {
+        const Running running(compiled.handle.get());
+        Bind(frame, compiled);
+        while (database_.Step(compiled.handle.get())) {
+        }
+    }
+    rowCount_ = sqlite3_changes(database_.Handle());
+    if (frame.outcome)
+        frame.outcome->affected = rowCount_;
+    if (!translation.identityTable.isEmpty() && rowCount_ > 0)
+        frame.identity = lastIdentity_ = qlonglong(sqlite3_last_insert_rowid(database_.Handle()));
+}
+
+void Interpreter::RunDeclare(Frame &frame, const DeclareStatement &statement)
+{
+    for (const Parameter &variable : statement.variables) {
+        if (!frame.variables.contains(variable.name))
+            frame.variables.insert(variable.name, {variable.type, {}});
+        if (variable.defaultValue) {
+            const QVariant value = Evaluate(frame, *variable.defaultValue, variable.type);
+            frame.variables[variable.name].value = value;
+        }
+    }
+    for (const std::unique_ptr<CreateTableStatement> &table : statement.tables) {
+        if (frame.tables.contains(table->table))
+            continue; // declared in a loop
+        const QString name = u"%1:%2"_s.arg(table->table).arg(depth_);
+        CreateTable(frame, *table, name, true);
+        frame.tables.insert(table->table, name);
+    }
+}
+
+void Interpreter::RunExec(Frame &frame, const ExecStatement &statement)
+{
+    const std::shared_ptr<const ProcedureRoutine> procedure = catalogue_.FindProcedure(statement.procedure);
+    if (!procedure)
+        Unknown(2812, u"Could not find stored procedure '%1'."_s.arg(statement.procedure), statement.place, statement.procedure);
+    const std::vector<Parameter> &declared = procedure->definition->parameters;
+    Frame inner;
+    inner.program = procedure->program.get();
+    inner.outcome = frame.outcome;
+    QHash<QString, const ExecStatement::Argument *> given;
+    for (size_t i = 0; i < statement.arguments.size(); ++i) {
+        const ExecStatement::Argument &argument = statement.arguments[i];
+        if (argument.name.isEmpty() && i >= declared.size())
+            throw Error(Error::Kind::Syntax, 8144,
+                        u"Procedure or function %1 has too many arguments specified."_s.arg(statement.procedure),
+                        statement.place.line, statement.place.column, statement.procedure);
+        given.insert(argument.name.isEmpty() ? declared[i].name : argument.name, &argument);
+    }
+    for (const Parameter &parameter : declared) {
+        const ExecStatement::Argument *argument = given.take(parameter.name);
+        Variable variable{parameter.type, {}};
+        if (argument && argument->value)
+            variable.value = Evaluate(frame, *argument->value, parameter.type);
+        else if (parameter.defaultValue)
+            variable.value = Evaluate(inner, *parameter.defaultValue, parameter.type);
+        else
+            throw Error(Error::Kind::Unknown, 201,
+                        u"Procedure or function '%1' expects parameter '@%2', which was not supplied."_s.arg(statement.procedure,
+                                                                                                       parameter.label),
+                        statement.place.line, statement.place.column, parameter.label);
+        if (argument && argument->output && !parameter.output)
+            throw Error(Error::Kind::Syntax, 8162,
+                        u"The formal parameter \"@%1\" was not declared as an OUTPUT parameter."_s.arg(parameter.label),
+                        statement.place.line, statement.place.column, parameter.label);
+        inner.variables.insert(parameter.name, variable);
+    }
+    if (!given.isEmpty())
+        throw Error(Error::Kind::Unknown, 8145,
+                    u"%1 is not a parameter for procedure %2."_s.arg(given.constBegin().key(), statement.procedure),
+                    statement.place.line, statement.place.column, given.constBegin().key());
+    const int returned = RunProcedure(inner, *procedure);
+    for (size_t i = 0; i < statement.arguments.size(); ++i) {
+        const ExecStatement::Argument &argument = statement.arguments[i];
+        if (argument.output)
+            Assign(frame, argument.value->text, inner.variables[argument.name.isEmpty() ? declared[i].name : argument.name]);
+    }
+    if (!statement.result.isEmpty())
+        Assign(frame, statement.result, {Type::Kind::Int, qlonglong(returned)});
+}
+
+int Interpreter::RunProcedure(Frame &frame, const ProcedureRoutine &procedure)
+{
+    const std::shared_ptr<Program> keep = procedure.program; // it may be dropped while it runs
+    if (depth_ >= kMaxCalls)
+        throw Error(Error::Kind::Other, 217,
+                    u"Maximum stored procedure, function, trigger, or view nesting level exceeded (limit %1)."_s.arg(kMaxCalls));
+    ++depth_;
+    try {
+        RunList(frame, procedure.definition->body);
+    } catch (...) {
+        --depth_;
+        LeaveFrame(frame);
+        throw;
+    }
+    --depth_;
+    LeaveFrame(frame);
+    return frame.returned.toInt();
+}
+
+QVariant Interpreter::CallFunction(const QString &name, const QVariantList &arguments)
+{
+    const FunctionRoutine *found = catalogue_.FindFunction(name);
+    if (!found || found->definition->query || size_t(arguments.size()) != found->definition->parameters.size())
+        Unknown(4121, u"Cannot find the user-defined function or aggregate \"dbo.%1\"."_s.arg(name), {}, name);
+    const FunctionRoutine function = *found;
+    if (depth_ >= kMaxCalls)
+        throw Error(Error::Kind::Other, 217,
+                    u"Maximum stored procedure, function, trigger, or view nesting level exceeded (limit %1)."_s.arg(kMaxCalls));
+    Frame frame;
+    frame.program = function.program.get();
+    frame.function = true;
+    frame.returns = function.definition->returns;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const Parameter &parameter = function.definition->parameters[size_t(i)];
+        frame.variables.insert(parameter.name, {parameter.type, arguments[i]});
+    }
+    const int rowCount = rowCount_;
+    ++depth_;
+    try {
+        RunList(frame, function.definition->body);
+    } catch (...) {
+        --depth_;
+        throw;
+    }
+    --depth_;
+    rowCount_ = rowCount;
+    return frame.returned;
+}
+
+void Interpreter::LeaveFrame(Frame &frame)
+{
+    if (frame.temporaries.isEmpty())
+        return;
+    for (const QString &table : std::as_const(frame.temporaries)) {
+        try {
+            database_.Execute(u"DROP TABLE IF EXISTS temp."_s + QuoteName(table));
+        } catch (const Error &) {
+            // the connection is broken in a way that the next statement will report
+        }
+    }
+    frame.temporaries.clear();
+    catalogue_.TemporaryChanged();
+}
+
+// ---- errors
+
+void Interpreter::RunRaisError(Frame &frame, const RaisErrorStatement &statement)
+{
+    QVariantList values;
+    for (const ExprPtr &argument : statement.arguments)
+        values.append(Evaluate(frame, *argument, {}));
+    if (values[1].toInt() <= 10)
+        return; // information, to which nobody listens
+    if (values[0].typeId() != QMetaType::QString)
+        throw Error(Error::Kind::Raised, values[0].toInt(), u"Error %1 was raised."_s.arg(values[0].toString()),
+                    statement.place.line, statement.place.column);
+    const QString pattern = values[0].toString();
+    QString message;
+    qsizetype next = 3;
+    for (qsizetype i = 0; i < pattern.size(); ++i) {
+        if (pattern[i] != u'%' || i + 1 >= pattern.size()) {
+            message += pattern[i];
+            continue;
+        }
+        const QChar form = pattern[++i];
+        if (form == u'%')
+            message += form;
+        else if (form == u's' || form == u'd' || form == u'i' || form == u'u')
+            message += next < values.size() && values[next].isValid() ? values[next].toString() : u"(null)"_s, ++next;
+        else
+            message += u'%', message += form;
+    }
+    throw Error(Error::Kind::Raised, 50000, message, statement.place.line, statement.place.column);
+}
+
+void Interpreter::RunThrow(Frame &frame, const ThrowStatement &statement)
+{
+    if (statement.arguments.empty()) {
+        if (!frame.caught)
+            throw Error(Error::Kind::Syntax, 10704, u"To rethrow an error, a THROW statement must be used inside a CATCH block."_s,
+                        statement.place.line, statement.place.column);
+        const Error again = *frame.caught;
+        throw again;
+    }
+    const int number = Evaluate(frame, *statement.arguments[0], Type::Kind::Int).toInt();
+    const QString message = Evaluate(frame, *statement.arguments[1], Type::Kind::Text).toString();
+    throw Error(Error::Kind::Raised, number, message, statement.place.line, statement.place.column);
+}
+
+Interpreter::Flow Interpreter::RunTry(Frame &frame, const TryStatement &statement)
+{
+    try {
+        return RunList(frame, statement.body);
+    } catch (const Error &error) {
+        // What the engine does not understand is the programmer's business, not the handler's.
+        if (error.kind == Error::Kind::Syntax || error.kind == Error::Kind::Refused)
+            throw;
+        if (!database_.InTransaction() && transactions_ > 0)
+            Rollback();
+        lastError_ = error.number;
+        const std::optional<Error> outer = frame.caught;
+        frame.caught.emplace(error);
+        const Flow flow = RunList(frame, statement.handler);
+        frame.caught.reset();
+        if (outer)
+            frame.caught.emplace(*outer);
+        return flow;
+    }
+}
+
+void Interpreter::RunCursor(Frame &frame, const CursorStatement &statement)
+{
+    using Action = CursorStatement::Action;
+    const QString name = statement.name.toLower();
+    if (statement.action == Action::Declare) {
+        if (frame.cursors.contains(name))
+            throw Error(Error::Kind::Other, 16915, u"A cursor with the name '%1' already exists."_s.arg(statement.name),
+                        statement.place.line, statement.place.column, statement.name);
+        frame.cursors[name].select = statement.select.get();
+        return;
+    }
+    const auto cursor = frame.cursors.find(name);
+    if (cursor == frame.cursors.end())
+        Unknown(16916, u"A cursor with the name '%1' does not exist."_s.arg(statement.name), statement.place, statement.name);
+    if (statement.action == Action::Deallocate) {
+        frame.cursors.erase(cursor);
+        return;
+    }
+    if (statement.action == Action::Open) {
+        QList<Column> columns;
+        cursor->rows = ReadAll(frame, *cursor->select, columns);
+        cursor->columns = columns;
+        cursor->at = 0;
+        cursor->open = true;
+        return;
+    }
+    if (!cursor->open)
+        throw Error(Error::Kind::Other, 16917, u"Cursor '%1' is not open."_s.arg(statement.name), statement.place.line,
+                    statement.place.column, statement.name);
+    if (statement.action == Action::Close) {
+        cursor->open = false;
+        cursor->rows.clear();
+        return;
+    }
+    if (statement.into.size() != cursor->columns.size())
+        throw Error(Error::Kind::Syntax, 16924,
+                    u"The number of variables declared in the INTO list must match that of selected columns."_s,
+                    statement.place.line, statement.place.column, statement.name);
+    if (cursor->at >= cursor->rows.size()) {
+        fetchStatus_ = -1;
+        return;
+    }
+    fetchStatus_ = 0;
+    const QVariantList row = cursor->rows[cursor->at++];
+    for (qsizetype i = 0; i < row.size(); ++i)
+        Assign(frame, statement.into[i], {cursor->columns[i].type, row[i]});
+}
+
+// ---- definitions
+
+void Interpreter::NeedNew(const QString &name, Place place)
+{
+    if (name.startsWith("sqlite_"_L1, Qt::CaseInsensitive) || name.compare("_corvex_objects"_L1, Qt::CaseInsensitive) == 0)
+        Refuse(name, place);
+    if (catalogue_.Exists(name))
+        throw Error(Error::Kind::Other, 2714, u"There is already an object named '%1' in the database."_s.arg(name), place.line,
+                    place.column, name);
+}
+
+void Interpreter::RunDefinition(Frame &frame, const Statement &statement)
+{
+    switch (statement.kind) {
+    case Statement::Kind::CreateTable: {
+        const auto &create = static_cast<const CreateTableStatement &>(statement);
+        CreateTable(frame, create, create.table, create.table.startsWith(u'#'));
+        break;
+    }
+    case Statement::Kind::AlterTable:
+        AlterTable(static_cast<const AlterTableStatement &>(statement));
+        break;
+    case Statement::Kind::CreateIndex:
+        CreateIndex(static_cast<const CreateIndexStatement &>(statement));
+        break;
+    case Statement::Kind::CreateView: {
+        const auto &create = static_cast<const CreateViewStatement &>(statement);
+        NeedNew(create.name, statement.place);
+        const QString sql = TranslateView(catalogue_, create);
+        Atomically([&] {
+            database_.Execute(sql);
+            catalogue_.Remember(u"view"_s, create.name, create.source);
+        });
+        break;
+    }
+    case Statement::Kind::CreateFunction: {
+        const auto &create = static_cast<const CreateFunctionStatement &>(statement);
+        NeedNew(create.name, statement.place);
+        CreateRoutine(u"function"_s, create.name, create.source);
+        break;
+    }
+    case Statement::Kind::CreateProcedure: {
+        const auto &create = static_cast<const CreateProcedureStatement &>(statement);
+        NeedNew(create.name, statement.place);
+        CreateRoutine(u"procedure"_s, create.name, create.source);
+        break;
+    }
+    case Statement::Kind::Drop:
+        Drop(frame, static_cast<const DropStatement &>(statement));
+        break;
+    default:
+        break;
+    }
+}
+
+void Interpreter::CreateTable(Frame &frame, const CreateTableStatement &statement, const QString &name, bool temporary)
+{
+    if (temporary) {
+        if (catalogue_.FindTable(name))
+            throw Error(Error::Kind::Other, 2714, u"There is already an object named '%1' in the database."_s.arg(name),
+                        statement.place.line, statement.place.column, name);
+        const Definition definition = TranslateTable(catalogue_, statement, name, true);
+        database_.Execute(definition.statements.first());
+        catalogue_.TemporaryChanged();
+        definedInTransaction_ |= database_.InTransaction();
+        // a batch's temporary tables stay until the connection ends, a procedure's end with it
+        if (depth_ > 0 || name.startsWith(u'@'))
+            frame.temporaries.append(name);
+        return;
+    }
+    NeedNew(name, statement.place);
+    const Definition definition = TranslateTable(catalogue_, statement, name, false);
+    Atomically([&] {
+        database_.Execute(definition.statements.first());
+        for (const auto &[column, type] : definition.exactTypes)
+            catalogue_.Remember(u"type"_s, name + u'.' + column, type);
+        if (!definition.seedTable.isEmpty())
+            database_.Execute(u"INSERT INTO sqlite_sequence (name, seq) VALUES (?1, ?2)"_s,
+                              {definition.seedTable, definition.seed - 1});
+    });
+}
+
+void Interpreter::AlterTable(const AlterTableStatement &statement)
+{
+    const Table *table = catalogue_.FindTable(statement.table);
+    if (!table || table->view || statement.table.startsWith(u'#'))
+        Unknown(4902, u"Cannot find the object \"%1\" because it does not exist or you do not have permissions."_s.arg(
+                          statement.table), statement.place, statement.table);
+    const QString name = table->name;
+    Atomically([&] {
+        const Definition definition = TranslateColumns(catalogue_, statement, *table);
+        for (const QString &sql : definition.statements)
+            database_.Execute(sql);
+        for (const auto &[column, type] : definition.exactTypes)
+            catalogue_.Remember(u"type"_s, name + u'.' + column, type);
+        catalogue_.Changed();
+        for (const TableConstraint &constraint : statement.constraints)
+            AddConstraint(constraint, name, statement.place);
+    });
+}
+
+// SQLite adds no constraint to a table: while the table is empty it is made anew, and a key of a full one is an index.
+void Interpreter::AddConstraint(const TableConstraint &constraint, const QString &tableName, Place place)
+{
+    const Table &table = *catalogue_.FindTable(tableName);
+    const QString text = TranslateConstraint(catalogue_, constraint, table);
+    const bool empty = !database_.Execute(u"SELECT 1 FROM %1 LIMIT 1"_s.arg(QuoteName(tableName))).isValid();
+    QString sql = database_.Execute(u"SELECT sql FROM main.sqlite_schema WHERE type = 'table' AND name = ?1"_s, {tableName})
+                      .toString()
+                      .trimmed();
+    if (empty && sql.endsWith(u')')) {
+        sql.chop(1);
+        sql = sql.trimmed() + ",\n  "_L1 + text + "\n)"_L1;
+        QStringList indexes;
+        {
+            const StatementHandle rest = database_.Prepare(
+                u"SELECT sql FROM main.sqlite_schema WHERE type IN ('index', 'trigger') AND tbl_name = ?1 AND sql IS NOT NULL"_s);
+            database_.Bind(rest.get(), 1, tableName);
+            while (database_.Step(rest.get()))
+                indexes.append(Database::Value(rest.get(), 0).toString());
+        }
+        database_.Execute(u"DROP TABLE "_s + QuoteName(tableName));
+        database_.Execute(sql);
+        for (const QString &index : std::as_const(indexes))
+            database_.Execute(index);
+    } else if (constraint.kind == TableConstraint::Kind::Unique && !constraint.name.isEmpty()) {
+        QStringList columns;
+        for (const QString &column : constraint.columns)
+            columns.append(QuoteName(column));
+        database_.Execute(u"CREATE UNIQUE INDEX %1 ON %2 (%3)"_s.arg(QuoteName(constraint.name), QuoteName(tableName),
+                                                                    columns.join(", "_L1)));
+    } else {
+        Refuse(u"A new constraint on a table that holds rows"_s, place);
+    }
+    catalogue_.Changed();
+}
+
+void Interpreter::CreateIndex(const CreateIndexStatement &statement)
+{
+    const Table *table = catalogue_.FindTable(statement.table);
+    if (!table || table->view)
+        Unknown(1088, u"Cannot find the object \"%1\" because it does not exist or you do not have permissions."_s.arg(
+                          statement.table), statement.place, statement.table);
+    const bool temporary = statement.table.startsWith(u'#');
+    QStringList columns;
+    for (const auto &[name, descending] : statement.columns) {
+        const Column *column = table->Find(name);
+        if (!column)
+            Unknown(1911, u"Column name '%1' does not exist in the target table or view."_s.arg(name), statement.place, name);
+        columns.append(QuoteName(column->name) + (descending ? " DESC"_L1 : ""_L1));
+    }
+    // An index's name belongs to its table on the server, to the whole file in SQLite.
+    const QString schema = temporary ? u"temp"_s : u"main"_s;
+    const QString count = u"SELECT count(*) FROM %1.sqlite_schema WHERE name = ?1 COLLATE NOCASE"_s.arg(schema);
+    QString name = statement.name;
+    if (database_.Execute(count, {name}).toInt() > 0)
+        name = table->name + u'.' + name;
+    if (name.startsWith("sqlite_"_L1, Qt::CaseInsensitive))
+        Refuse(name, statement.place);
+    if (database_.Execute(count, {name}).toInt() > 0)
+        throw Error(Error::Kind::Other, 1913,
+                    u"The operation failed because an index with name '%1' already exists on table '%2'."_s.arg(statement.name,
+                                                                                                           table->name),
+                    statement.place.line, statement.place.column, statement.name);
+    const QString sql = u"CREATE %1INDEX %2.%3 ON %4 (%5)"_s.arg(statement.unique ? u"UNIQUE "_s : QString(), schema, QuoteName(name),
+                                                           QuoteName(table->name), columns.join(", "_L1));
+    if (temporary) // no plan depends on it
+        database_.Execute(sql);
+    else
+        Atomically([&] { database_.Execute(sql); });
+}
+
+namespace {
+
+// A function changes nothing and gives rows to nobody.
+void CheckFunctionBody(const StatementList &body)
+{
+    for (const StatementPtr &statement : body) {
+        switch (statement->kind) {
+        case Statement::Kind::Declare:
+            if (!static_cast<const DeclareStatement &>(*statement).tables.empty())
+                Refuse(u"A table variable in a function"_s, statement->place);
+            break;
+        case Statement::Kind::Select:
+            if (!static_cast<const SelectStatement &>(*statement).assigns)
+                throw Error(Error::Kind::Syntax, 444, u"Select statements included within a function cannot return data to a client."_s,
+                            statement->place.line, statement->place.column, u"SELECT"_s);
+            break;
+        case Statement::Kind::Return:
+            if (!static_cast<const ReturnStatement &>(*statement).value)
+                SyntaxError(u"RETURN"_s, statement->place);
+            break;
+        case Statement::Kind::Block:
+            CheckFunctionBody(static_cast<const BlockStatement &>(*statement).body);
+            break;
+        case Statement::Kind::If: {
+            const auto &branch = static_cast<const IfStatement &>(*statement);
+            for (const Statement *part : {branch.then.get(), branch.otherwise.get()}) {
+                if (part && part->kind == Statement::Kind::Block)
+                    CheckFunctionBody(static_cast<const BlockStatement &>(*part).body);
+            }
+            break;
+        }
+        case Statement::Kind::While:
+        case Statement::Kind::Set:
+        case Statement::Kind::Break:
+        case Statement::Kind::Continue:
+            break;
+        default:
+            throw Error(Error::Kind::Refused, 443,
+                        u"Only DECLARE, SET, SELECT, IF, WHILE and RETURN may stand in a function (line %1, column %2)."_s
+                            .arg(statement->place.line)
+                            .arg(statement->place.column),
+                        statement->place.line, statement->place.column);
+        }
+    }
+}
+
+} // namespace
+
+void Interpreter::CreateRoutine(const QString &kind, const QString &name, const QString &source)
+{
+    const std::shared_ptr<Program> program = Parse(source); // by itself, as it will be read later
+    if (!program->undeclared.isEmpty()) {
+        const auto first = program->undeclared.constBegin();
+        Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(first.key()), first.value(), first.key());
+    }
+    if (kind == "function"_L1) {
+        const auto &function = static_cast<const CreateFunctionStatement &>(*program->statements.front());
+        if (!function.query) {
+            CheckFunctionBody(function.body);
+            if (function.body.empty() || function.body.back()->kind != Statement::Kind::Return)
+                throw Error(Error::Kind::Syntax, 455, u"The last statement included within a function must be a return statement."_s,
+                            0, 0, name);
+        }
+    }
+    Atomically([&] {
+        catalogue_.Remember(kind, name, source);
+        if (kind == "function"_L1)
+            catalogue_.Changed();
+    });
+}
+
+void Interpreter::Drop(Frame &frame, const DropStatement &statement)
+{
+    using Object = DropStatement::Object;
+    static const QHash<Object, std::pair<QString, QString>> words = {
+        {Object::Table, {u"TABLE"_s, u"table"_s}},
+        {Object::View, {u"VIEW"_s, u"view"_s}},
+        {Object::Procedure, {u"PROCEDURE"_s, u"procedure"_s}},
+        {Object::Function, {u"FUNCTION"_s, u"function"_s}},
+        {Object::Index, {u"INDEX"_s, u"index"_s}}};
+    const auto &[word, kind] = words[statement.object];
+    for (const QString &name : statement.names) {
+        const auto missing = [&, &theWord = word] {
+            if (!statement.ifExists)
+                Unknown(3701, u"Cannot drop the %1 '%2', because it does not exist or you do not have permission."_s.arg(
+                                  theWord.toLower(), name), statement.place, name);
+        };
+        if (statement.object == Object::Procedure || statement.object == Object::Function) {
+            const bool exists = statement.object == Object::Procedure ? catalogue_.FindProcedure(name) != nullptr
+                                                                      : catalogue_.FindFunction(name) != nullptr;
+            if (exists)
+                Atomically([&, &theKind = kind] { catalogue_.Forget(theKind, name); });
+            else
+                missing();
+            continue;
+        }
+        const Table *table = catalogue_.FindTable(statement.object == Object::Index ? statement.table : name);
+        if (!table || (statement.object == Object::View && !table->view) || (statement.object == Object::Table && table->view)) {
+            missing();
+            continue;
+        }
+        const QString tableName = table->name;
+        if (statement.object == Object::Index) {
+            QString index;
+            for (const QString &candidate : {name, tableName + u'.' + name}) {
+                if (index.isEmpty())
+                    index = database_
+                                .Execute(u"SELECT name FROM main.sqlite_schema WHERE type = 'index' AND name = ?1 COLLATE NOCASE "
+                                         "AND tbl_name = ?2"_s, {candidate, tableName})
+                                .toString();
+            }
+            if (index.isEmpty())
+                missing();
+            else
+                Atomically([&] { database_.Execute(u"DROP INDEX "_s + QuoteName(index)); });
+        } else if (tableName.startsWith(u'#')) {
+            database_.Execute(u"DROP TABLE temp."_s + QuoteName(tableName));
+            frame.temporaries.removeAll(tableName);
+            definedInTransaction_ |= database_.InTransaction();
+            catalogue_.TemporaryChanged();
+        } else {
+            Atomically([&, &theWord = word, &theKind = kind] {
+                database_.Execute(u"DROP %1 %2"_s.arg(theWord, QuoteName(tableName)));
+                catalogue_.Forget(theKind, tableName);
+                database_.Execute(u"DELETE FROM main._corvex_objects WHERE kind = 'type' AND substr(name, 1, ?2) = ?1 || '.'"_s,
+                                  {tableName, qlonglong(tableName.size() + 1)});
+            });
+        }
+    }
+}
+
+} // namespace embedded
