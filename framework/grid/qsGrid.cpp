@@ -934,18 +934,20 @@ void TqsGrid::GetSiblingForDelete()
     const TGridRow *row = impl_->Focused();
     if (!row)
         return;
-    const int current = currentIndex().row();
-    const QList<TGridRow> &rows = impl_->model->Rows();
-    const TGridQuery &query = impl_->model->Query();
-    if (current >= 0 && current + 1 < rows.size()) {
-        impl_->sibling = rows[current + 1];
-    } else if (const QList<TGridRow> next = query.After(*row, 1); !next.isEmpty()) {
-        impl_->sibling = next.first();
-    } else if (current > 0) {
-        impl_->sibling = rows[current - 1];
-    } else if (const QList<TGridRow> previous = query.Before(*row, 1); !previous.isEmpty()) {
-        impl_->sibling = previous.first();
-    }
+    impl_->GuardChange([&] {
+        const int current = currentIndex().row();
+        const QList<TGridRow> &rows = impl_->model->Rows();
+        const TGridQuery &query = impl_->model->Query();
+        if (current >= 0 && current + 1 < rows.size()) {
+            impl_->sibling = rows[current + 1];
+        } else if (const QList<TGridRow> next = query.After(*row, 1); !next.isEmpty()) {
+            impl_->sibling = next.first();
+        } else if (current > 0) {
+            impl_->sibling = rows[current - 1];
+        } else if (const QList<TGridRow> previous = query.Before(*row, 1); !previous.isEmpty()) {
+            impl_->sibling = previous.first();
+        }
+    });
 }
 
 void TqsGrid::SetSiblingAfterDelete()

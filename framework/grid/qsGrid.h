@@ -31,9 +31,9 @@ struct CORVEX_API TGridColumn
 enum class TGridOrder { Ascending, Descending };
 
 // The grid of a list screen. Reads lazily: it holds a window of rows around what is looked at, read page by page by
-// key; the database sorts, filters and searches. A failing query leaves the old rows standing: OpenList, ReReadList,
-// GetSiblingForDelete and ExportCsv throw TDbError, everything that follows a user's hand (keys, scrolling, SortBy,
-// FocusKey, JumpTo…, Search, SetTextFilter, columns switched on while filtering) emits QueryFailed and changes nothing.
+// key; the database sorts, filters and searches. A failing query leaves the old rows standing: OpenList, ReReadList and
+// ExportCsv throw TDbError, everything that follows a user's hand (keys, scrolling, SortBy, FocusKey, JumpTo…, Search,
+// SetTextFilter, columns switched on while filtering, siblings) emits QueryFailed and changes nothing.
 // Row access for outsiders goes through model(): every row in the model is filled; canFetchMore/fetchMore extend it
 // downwards. Qt::UserRole of any cell gives the raw value, Qt::UserRole + 1 the row's key. Model columns are those of
 // SetColumns, in its order; row numbers shift when rows are read above, keys do not. The focused row stays focused (and
