@@ -48,12 +48,14 @@ protected:
 
 private:
     void ApplyMask();
+    void Tell();
     void StandOnFirstOpen();
 
     QString qtMask_;   // "" without a mask
     QList<bool> open_; // by position: something can be typed there
     QString lastValue_;
     QChar blank_;
+    bool setting_ = false;
 };
 
 // What the boxes for numbers share: typing and pasting that cannot become a value is refused and the text before it

@@ -55,26 +55,20 @@ TqsMaskEdit::TqsMaskEdit(QWidget *parent)
     setValidator(new TPlainDigits(this));
     ShowReadable(this);
     connect(this, &QLineEdit::textChanged, this, [this](const QString &text) {
-        if (text.isEmpty() && inputMask().isEmpty() && !qtMask_.isEmpty())
-            ApplyMask();
-        const QString value = Value();
-        if (value == lastValue_)
+        if (setting_)
             return;
-        lastValue_ = value;
-        Q_EMIT ValueChanged();
+        if (text.isEmpty() && inputMask() != qtMask_)
+            ApplyMask();
+        Tell();
     });
 }
 
 void TqsMaskEdit::SetEditMask(const QString &mask)
 {
     const QString value = Value();
-    // The two options stand behind the last two semicolons; a semicolon before them belongs to the mask.
-    QString picture = mask;
-    blank_ = u'_';
-    if (const QStringList parts = mask.split(u';'); parts.size() >= 3 && parts.last().size() == 1) {
-        blank_ = parts.last()[0];
-        picture = parts.first(parts.size() - 2).join(u';');
-    }
+    const QStringList parts = mask.split(u';');
+    const QString picture = parts[0];
+    blank_ = parts.size() >= 3 && parts[2].size() == 1 ? parts[2][0] : QChar(u'_');
     qtMask_.clear();
     open_.clear();
     for (qsizetype i = 0; i < picture.size(); ++i) {
@@ -119,14 +113,26 @@ QString TqsMaskEdit::Value() const
 void TqsMaskEdit::SetValue(const QString &value)
 {
     const QString wanted = value.trimmed();
+    setting_ = true;
     if (inputMask() != qtMask_)
         ApplyMask();
     setText(wanted);
-    if (Value() == wanted)
+    if (Value() != wanted) {
+        // Codes of an older format must not lose characters only because a dialog was opened.
+        setInputMask(QString());
+        setText(wanted);
+    }
+    setting_ = false;
+    Tell();
+}
+
+void TqsMaskEdit::Tell()
+{
+    const QString value = Value();
+    if (value == lastValue_)
         return;
-    // Codes of an older format must not lose characters only because a dialog was opened.
-    setInputMask(QString());
-    setText(wanted);
+    lastValue_ = value;
+    Q_EMIT ValueChanged();
 }
 
 void TqsMaskEdit::StandOnFirstOpen()

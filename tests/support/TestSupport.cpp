@@ -92,9 +92,10 @@ QString FocusName(const QWidget &window)
 {
     static const QRegularExpression controlName("^(edt|cbx|chk|btn|grd|dte|rgp|lst|mmo)[A-Z]");
     const QWidget *focus = window.focusWidget();
+    QString name = focus ? focus->objectName() : QString();
     for (const QWidget *control = focus; control && control != &window; control = control->parentWidget()) {
         if (controlName.match(control->objectName()).hasMatch())
-            return control->objectName();
+            name = control->objectName();
     }
-    return focus ? focus->objectName() : QString();
+    return name;
 }
