@@ -2148,7 +2148,8 @@ public:
             text += "blob"_L1;
             exactTypes.append({column.name, column.type.declared});
         } else {
-            text += column.type.declared;
+            // "(max)" is no number, which SQLite wants there; a text without a length has no limit anyway
+            text += QString(column.type.declared).remove("(max)"_L1);
         }
         if (column.type.IsText())
             text += " COLLATE NOCASE"_L1;
