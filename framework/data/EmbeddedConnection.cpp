@@ -103,7 +103,16 @@ public:
 
     void RunScript(const QString &script, const QString &title) override
     {
-        Translated([&] { engine_->RunScript(script, title); });
+        // Cut here rather than by the engine, so that a script is the same batches on every engine. The blank lines make
+        // the place of an error one of the script's own.
+        const QList<sqltext::TBatch> batches = sqltext::CutAtGo(script);
+        for (const sqltext::TBatch &batch : batches) {
+            try {
+                Run(QString(batch.line - 1, u'\n') + batch.text, {});
+            } catch (const TDbError &error) {
+                throw TDbError(error.kind, error.number, title + QStringLiteral(": ") + error.message, batch.text);
+            }
+        }
     }
 
     void Begin() override

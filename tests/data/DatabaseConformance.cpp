@@ -152,7 +152,7 @@ void TDatabaseConformance::values_data()
     same("text empty", "cText", QString(""));
     row("text null QString", "cText", QString(), QString(""));
     same("text at its limit", "cText", QString(60, 'x'));
-    same("text with trailing blanks", "cText", QString("ab  "));
+    same("text with leading blanks", "cText", QString("  ab"));
     same("text that looks like a number", "cText", QString("012-345"));
     same("text that looks like NULL", "cText", QString("null"));
     same("text with line ends", "cText", QString("a\r\nb\tc\n"));

@@ -393,7 +393,7 @@ void TRecordsTest::conflicts_data()
     QTest::newRow("both") << "cBankName = 'Theirs', iStateID = 9" << QStringList{"cBankName", "iStateID"} << "Mine" << 9;
     QTest::newRow("same as mine") << "cBankName = 'Mine'" << QStringList{"cBankName"} << "Mine" << 2;
     QTest::newRow("case alone") << "cCode = 'nab'" << QStringList{"cCode"} << "Mine" << 2;
-    QTest::newRow("trailing blanks alone") << "cNotes = 'note '" << QStringList{"cNotes"} << "Mine" << 2;
+    QTest::newRow("a blank alone") << "cNotes = ' note'" << QStringList{"cNotes"} << "Mine" << 2;
     QTest::newRow("to NULL") << "cBankName = null" << QStringList{"cBankName"} << "Mine" << 2;
     QTest::newRow("the smallest fraction") << "fRate = 0.10000000000000002" << QStringList{"fRate"} << "Mine" << 2;
     QTest::newRow("bit and date") << "bActive = 0, dStart = '2009-09-10'" << QStringList{"bActive", "dStart"} << "Mine" << 2;
