@@ -80,7 +80,7 @@ public:
 
     // Incremental search over the visible columns, from the focused row on (`next`: from the row after it), wrapping at
     // the end
-    // (`backwards` likewise upwards). Text is found anywhere in a column's stored value, without regard to case; date
+    // (`backwards` likewise upwards). Text is found anywhere in a column's value, without regard to case; date
     // columns are searched by "31/12/2026", "12/2026" or "2026", check and note columns not at all. False when nothing
     // fits.
     bool Search(const QString &text, bool next, bool backwards = false);

@@ -310,14 +310,14 @@ TGridQuery::Condition TGridQuery::Holds(const QString &text, const QList<TGridCo
         case Kind::Float: {
             if (column.display)
                 break;
-            parts += QStringLiteral("cast(") + field + QStringLiteral(" as nvarchar(50)) like :") + patternName +
+            // A float as text would be "1.23457e+006"; with its decimals it is what the screen shows.
+            const QString number =
+                column.kind == Kind::Integer
+                    ? field
+                    : QStringLiteral("cast(%1 as decimal(19,%2))").arg(field).arg(std::clamp(column.decimals, 0, 6));
+            parts += QStringLiteral("cast(") + number + QStringLiteral(" as nvarchar(50)) like :") + patternName +
                      QStringLiteral(" escape '\\'");
             patternUsed = true;
-            // "12.50" is what 12.5 looks like on the screen.
-            bool isNumber = false;
-            const double number = text.toDouble(&isNumber);
-            if (isNumber && column.kind == Kind::Float && qIsFinite(number))
-                parts += field + QStringLiteral(" = ") + bind(number);
             break;
         }
         case Kind::Date:
