@@ -68,6 +68,7 @@ protected:
             DoIPBankAdd(FocusedID(), true);
     }
     QString DeleteQuestion() const override { return "Delete Bank \"" + qryBanks.GetCode() + "\" ?"; }
+    std::span<const TInUse> InUseTables() const override { return kInUse; }
     bool CheckBeforeDelete() override { return CheckInUse(kInUse, kBankInUse, qryBanks.GetCode()); }
     void DeleteRecord() override
     {

@@ -45,9 +45,10 @@ QWidget *OwnerWindow()
     return QApplication::activeWindow();
 }
 
-QMessageBox::StandardButton ShowBox(QMessageBox::Icon icon, const QString &text, QMessageBox::StandardButtons buttons)
+QMessageBox::StandardButton ShowBox(QMessageBox::Icon icon, const QString &text, QMessageBox::StandardButtons buttons,
+                                    const QString &title = QApplication::applicationDisplayName())
 {
-    QMessageBox box(icon, QApplication::applicationDisplayName(), text, buttons, OwnerWindow());
+    QMessageBox box(icon, title, text, buttons, OwnerWindow());
     box.setObjectName(QStringLiteral("msgBox"));
     box.setTextFormat(Qt::PlainText);
     if (buttons.testFlag(QMessageBox::No)) {
@@ -103,6 +104,13 @@ int ChoiceMessage(const QString &text, const QString &details, const QStringList
             return i;
     }
     return escape;
+}
+
+void ReturnMessage(const QString &title, int returnValue, const QString &message)
+{
+    if (returnValue == 0 || message.isEmpty())
+        return;
+    ShowBox(returnValue == 2 ? QMessageBox::Warning : QMessageBox::Information, message, QMessageBox::Ok, title);
 }
 
 void ShowException(const std::exception &error, const QString &doing)

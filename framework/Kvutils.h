@@ -28,6 +28,9 @@ CORVEX_API QMessageBox::StandardButton ErrorMessage(const QString &text,
                                                     QMessageBox::StandardButtons buttons = QMessageBox::Ok);
 // A question with named answers; gives the index of the answer, `escape` when the box is closed.
 CORVEX_API int ChoiceMessage(const QString &text, const QString &details, const QStringList &answers, int escape);
+// What a procedure reports of its work, under a title of its own: nothing for 0, `message` as information for 1 (done, with
+// something to tell) and as a warning for 2 (refused).
+CORVEX_API void ReturnMessage(const QString &title, int returnValue, const QString &message);
 // Reports what went wrong: a TDbError in the server's words, anything else by its text. Also logged.
 CORVEX_API void ShowException(const std::exception &error, const QString &doing = {});
 

@@ -662,6 +662,14 @@ bool TCorvexADOQuery::brPost(bool showError)
     }
 }
 
+void TCorvexADOQuery::CheckUnchanged() const
+{
+    if (!impl_->Editing())
+        Misused(QStringLiteral("No record of %1 is being edited.").arg(impl_->tableName));
+    if (impl_->state == Impl::State::Edit)
+        impl_->Compared(MainConnection(), false);
+}
+
 void TCorvexADOQuery::Cancel()
 {
     if (impl_->fromList)

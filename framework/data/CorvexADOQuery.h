@@ -178,6 +178,9 @@ public:
     // Post with the error shown to the user in a box: true when written. Without `showError` it is thrown.
     // TRecordConflict passes in any case.
     bool brPost(bool showError = true);
+    // Throws TRecordConflict when the row of the record being edited is no longer as it was read (nothing for a new record). For
+    // records that are written in another way than by Post.
+    void CheckUnchanged() const;
     // Drops pending changes.
     void Cancel();
     // After a conflict: takes the row as it stands now as the one that was read, so that the next Post writes mine.

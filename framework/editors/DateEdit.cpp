@@ -14,12 +14,6 @@ namespace {
 // The tables keep "no date" as the first days of 1900.
 const QDate kFirstDate(1900, 1, 6);
 
-QString FourDigitYears(QString format)
-{
-    static const QRegularExpression shortYear(QStringLiteral("(?<!y)yy(?!y)"));
-    return format.replace(shortYear, QStringLiteral("yyyy"));
-}
-
 // A year of one or two digits means the one nearest to today.
 int FullYear(int year)
 {
@@ -118,7 +112,7 @@ protected:
     }
 
 private:
-    void ApplyFormat() { setDisplayFormat(FourDigitYears(locale().dateFormat(QLocale::ShortFormat))); }
+    void ApplyFormat() { setDisplayFormat(ShortDateFormat(locale())); }
 
     // Takes over what is typed; what is no date goes back to the date before.
     void Commit()
@@ -213,6 +207,12 @@ private:
 };
 
 } // namespace
+
+QString ShortDateFormat(const QLocale &locale)
+{
+    static const QRegularExpression shortYear(QStringLiteral("(?<!y)yy(?!y)"));
+    return locale.dateFormat(QLocale::ShortFormat).replace(shortYear, QStringLiteral("yyyy"));
+}
 
 TqsDateEdit::TqsDateEdit(QWidget *parent)
     : QWidget(parent)

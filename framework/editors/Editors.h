@@ -8,6 +8,7 @@
 #include <QDateEdit>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QLocale>
 #include <QRadioButton>
 #include <QWidget>
 
@@ -147,6 +148,9 @@ private:
 };
 // Hours as they are shown anywhere (h:mm or decimal by the installation's option).
 CORVEX_API QString HoursText(double hours, int decimals = 2);
+
+// The user's short date format, with a four-digit year.
+CORVEX_API QString ShortDateFormat(const QLocale &locale = QLocale());
 
 // A date that may be absent: a check box (when optional) and a date box with a calendar.
 class CORVEX_API TqsDateEdit final : public QWidget

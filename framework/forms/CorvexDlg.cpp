@@ -99,7 +99,7 @@ void TfrmCorvexDlgBase::done(int result)
         QDialog::done(result);
 }
 
-bool TfrmCorvexDlgBase::RunChecks(const std::function<void(TChecks &)> &ask)
+bool TfrmCorvexDlgBase::RunChecks(const std::function<void(TChecks &)> &ask, TShowMessage tell)
 {
     TChecks checks;
     {
@@ -109,7 +109,7 @@ bool TfrmCorvexDlgBase::RunChecks(const std::function<void(TChecks &)> &ask)
     if (!checks.Failed())
         return true;
     FocusControl(checks.Control());
-    InfoMessage(checks.ErrorText());
+    tell(checks.ErrorText(), QMessageBox::Ok);
     FocusControl(checks.Control());
     return false;
 }
@@ -296,6 +296,18 @@ bool TfrmCorvexDlg::SaveRecord()
     return true;
 }
 
+bool TfrmCorvexDlg::SaveAndReopen()
+{
+    if (!PassChecks() || !SaveRecord() || id_ == 0)
+        return false;
+    copy_ = false;
+    SetRecordID(id_);
+    query_.brEdit(true);
+    SetDialogCaption();
+    SetNoteSpeedBitmap();
+    return true;
+}
+
 bool TfrmCorvexDlg::ResolveConflict(const TRecordConflict &conflict, bool &writeMine)
 {
     switch (AskConflict(conflict)) {
@@ -313,16 +325,16 @@ bool TfrmCorvexDlg::ResolveConflict(const TRecordConflict &conflict, bool &write
 
 void TfrmCorvexDlg::btnNoteClick()
 {
-    if (id_ == 0)
+    if (NotesID() == 0)
         return;
-    DoNotesForm(query_.NotesTableName(), id_, true, QString());
+    DoNotesForm(NotesTable(), NotesID(), true, QString());
     SetNoteSpeedBitmap();
 }
 
 void TfrmCorvexDlg::SetNoteSpeedBitmap()
 {
     // 0: no record, 1: a record without a note, 2: a record with one
-    const int state = id_ == 0 ? 0 : NoteExists(query_.NotesTableName(), id_) ? 2 : 1;
+    const int state = NotesID() == 0 ? 0 : NoteExists(NotesTable(), NotesID()) ? 2 : 1;
     static const char *const icons[] = {"notes-off", "notes-none", "notes"};
     static const char *const tips[] = {"Notes can be added once the record is saved", "No note yet", "Has a note"};
     btnNote->setProperty("state", state);

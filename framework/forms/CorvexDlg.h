@@ -34,8 +34,10 @@ protected:
     virtual void SetDialogCaption();
     // Decides whether the dialog may close with `result`, and saves when it is QDialog::Accepted.
     virtual void FormCloseQuery(int result, bool &CanClose) = 0;
-    // Runs the checks of `ask` under the busy cursor, shows the text of the one that failed and gives its control the focus.
-    bool RunChecks(const std::function<void(TChecks &)> &ask);
+    // Runs the checks of `ask` under the busy cursor, shows the text of the one that failed through `tell` and gives its control
+    // the focus.
+    using TShowMessage = QMessageBox::StandardButton (*)(const QString &text, QMessageBox::StandardButtons buttons);
+    bool RunChecks(const std::function<void(TChecks &)> &ask, TShowMessage tell = &InfoMessage);
     // Brings a control's page to the front and focuses it.
     void FocusControl(QWidget *control);
     // Tells what somebody else did to the record meanwhile, and asks what to do about it.
@@ -109,8 +111,16 @@ protected:
     virtual void AfterSave() {}
     // Saves; gives whether the dialog may close (a conflict may send the user back to editing).
     virtual bool SaveRecord();
+    // For what can only be done to a stored record: checks and saves a new one and goes on editing it under its id. False
+    // when it was not saved; the dialog stays as it is.
+    bool SaveAndReopen();
     // The code for captions and the log: that of the record as loaded.
     virtual QString RecordCode() const;
+    // The table name and the id that the record's notes hang on; id 0: no record yet.
+    virtual QString NotesTable() const { return query_.NotesTableName(); }
+    virtual int NotesID() const { return id_; }
+    // Asks what to do about a conflict; gives whether the dialog may close, or sets `writeMine` to save once more.
+    bool ResolveConflict(const TRecordConflict &conflict, bool &writeMine);
 
     const TDialogFacts &facts_;
     TCorvexADOQuery &query_;
@@ -119,7 +129,6 @@ protected:
 private:
     void btnNoteClick();
     void SetNoteSpeedBitmap();
-    bool ResolveConflict(const TRecordConflict &conflict, bool &writeMine);
 
     int id_ = 0;
     bool copy_ = false;

@@ -130,6 +130,8 @@ void TfrmMaintenanceBase::BuildToolbar()
                            &Self::OnRefresh);
     mniExport = AddAction("mniExport", "export", tr("E&xport"), tr("Write the list to a CSV file"), {},
                           &Self::OnExport);
+    mniWhereUsed = AddAction("mniWhereUsed", "where-used", tr("&Where Used"), tr("What refers to the record"),
+                             {QKeySequence(Qt::CTRL | Qt::Key_U)}, &Self::OnWhereUsed);
     mniCopyCells = AddAction("mniCopyCells", "copy", tr("Copy to Clip&board"), tr("Copy the row to the clipboard"), {},
                              &Self::OnCopyCells);
 
@@ -141,7 +143,7 @@ void TfrmMaintenanceBase::BuildToolbar()
     tbMaintenance->addSeparator();
     tbMaintenance->addAction(mniGridSave);
     mniFirstExtra = tbMaintenance->addSeparator();
-    tbMaintenance->addActions({mniMaintCopy, mniRefresh, mniExport});
+    tbMaintenance->addActions({mniMaintCopy, mniWhereUsed, mniRefresh, mniExport});
 }
 
 void TfrmMaintenanceBase::BuildSearchPanel()
@@ -212,6 +214,7 @@ void TfrmMaintenanceBase::BuildModalButtons()
 void TfrmMaintenanceBase::Load()
 {
     FormCreate(this);
+    mniWhereUsed->setVisible(!InUseTables().empty());
     RefreshFilter();
     if (ScreenHost())
         grid_->RestoreLayout(ScreenHost()->LoadLayout(objectName()));
@@ -318,22 +321,23 @@ void TfrmMaintenanceBase::keyPressEvent(QKeyEvent *event)
 
 void TfrmMaintenanceBase::OnAdd()
 {
-    StartChange(&TfrmMaintenanceBase::mniMaintAddClick, mniMaintAdd);
+    StartChange([this] { mniMaintAddClick(mniMaintAdd); });
 }
 
 void TfrmMaintenanceBase::OnEdit()
 {
-    StartChange(&TfrmMaintenanceBase::mniMaintEditClick, mniMaintEdit);
+    StartChange([this] { mniMaintEditClick(mniMaintEdit); });
 }
 
 void TfrmMaintenanceBase::OnCopy()
 {
-    StartChange(&TfrmMaintenanceBase::mniMaintCopyClick, mniMaintCopy);
+    StartChange([this] { mniMaintCopyClick(mniMaintCopy); });
 }
 
-void TfrmMaintenanceBase::StartChange(void (TfrmMaintenanceBase::*handler)(QObject *), QAction *sender)
+void TfrmMaintenanceBase::StartChange(const std::function<void()> &change)
 {
-    (this->*handler)(sender);
+    startedHere_ = true;
+    change();
     // A dialog that was cancelled leaves no notification behind. One that was sent is delivered before this, since it was
     // posted first.
     QMetaObject::invokeMethod(this, [this] { startedHere_ = false; }, Qt::QueuedConnection);
@@ -383,7 +387,7 @@ bool TfrmMaintenanceBase::CheckInUse(std::span<const TInUse> tables, const char 
 {
     for (const TInUse &use : tables) {
         const TCorvexADOQuery check(QString::fromLatin1(use.table), QString::fromLatin1(use.column));
-        if (!check.RecordsExist(QString::fromLatin1(use.column), FocusedID()))
+        if (!check.RecordsExist(QString::fromLatin1(use.column), InUseID()))
             continue;
         InfoMessage(FormatText(QString::fromUtf8(message), {code, QString::fromUtf8(use.user)}));
         return false;
@@ -433,7 +437,7 @@ void TfrmMaintenanceBase::FillSelectedList()
 void TfrmMaintenanceBase::UpdateActions()
 {
     const bool focused = grid_->RecordFocused(true);
-    for (QAction *action : {mniMaintEdit, mniMaintCopy, mniMaintDelete, mniNotes, mniCopyCells})
+    for (QAction *action : {mniMaintEdit, mniMaintCopy, mniMaintDelete, mniNotes, mniWhereUsed, mniCopyCells})
         action->setEnabled(focused);
 }
 
@@ -498,6 +502,12 @@ void TfrmMaintenanceBase::OnExport()
 void TfrmMaintenanceBase::OnCopyCells()
 {
     grid_->CopyToClipboard();
+}
+
+void TfrmMaintenanceBase::OnWhereUsed()
+{
+    if (grid_->RecordFocused(true))
+        ShowWhereUsed(this, FocusedText("cCode"), InUseTables(), InUseID());
 }
 
 void TfrmMaintenanceBase::OnAccept()

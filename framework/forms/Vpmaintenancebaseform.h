@@ -13,6 +13,7 @@
 #include "framework/Kvglobal.h"
 #include "framework/Kvutils.h"
 #include "framework/data/CorvexADOQuery.h"
+#include "framework/forms/WhereUsed.h"
 #include "framework/grid/qsGrid.h"
 
 class QLineEdit;
@@ -31,12 +32,6 @@ struct TMaintenanceFacts {
     uint changedMessage;    // notification number
 };
 
-// A table that may refer to a record: asked before a delete, and listed as its users.
-struct TInUse {
-    const char *table;
-    const char *column;
-    const char *user; // "EFT Parameters"
-};
 
 // The base of every list screen: header band, toolbar, grid, search, and for modal use an OK/Cancel panel.
 class CORVEX_API TfrmMaintenanceBase : public QDialog, public TGlobalListener
@@ -82,6 +77,11 @@ protected:
     virtual QString DeleteQuestion() const = 0;
     virtual bool CheckBeforeDelete() { return true; }
     virtual void DeleteRecord() = 0;
+    // The tables that may refer to a record of this screen, in the order in which they are asked before a delete. A screen that
+    // has any offers Where Used.
+    virtual std::span<const TInUse> InUseTables() const { return {}; }
+    // The id by which they refer to the focused record.
+    virtual int InUseID() const { return FocusedID(); }
     // Asks the tables in order; the first that refers to the record is told with `message` ("%s": code, "%s": user) and gives false.
     bool CheckInUse(std::span<const TInUse> tables, const char *message, const QString &code) const;
     // DeleteRecord's frame: remembers the neighbour, runs `remove`, and on true focuses the neighbour and broadcasts id 0.
@@ -89,6 +89,9 @@ protected:
 
     // The change notification of this screen's records: refresh, and focus the record when the change started here.
     virtual void RecordChanged(TCorvexMessage &message);
+    // Runs what may change a record; when a notification comes of it, this screen focuses that record.
+    void StartChange(const std::function<void()> &change);
+
     // Before a notification re-reads: the screen's filter as it must be now.
     virtual void RefreshFilter() {}
 
@@ -121,6 +124,7 @@ protected:
     QAction *mniRefresh = nullptr;
     QAction *mniExport = nullptr;
     QAction *mniCopyCells = nullptr;
+    QAction *mniWhereUsed = nullptr;  // there when InUseTables names any
     QAction *mniFirstExtra = nullptr; // screens insert their own actions before this one
     QFrame *pnlSearch = nullptr;
     QLineEdit *edtSearch = nullptr;
@@ -145,7 +149,6 @@ private:
     void OnAdd();
     void OnEdit();
     void OnCopy();
-    void StartChange(void (TfrmMaintenanceBase::*handler)(QObject *), QAction *sender);
     void OnDelete() { mniMaintDeleteClick(mniMaintDelete); }
     void OnNotes() { mniNotesClick(mniNotes); }
     void OnSearch();
@@ -153,6 +156,7 @@ private:
     void OnRefresh();
     void OnExport();
     void OnCopyCells();
+    void OnWhereUsed();
     void OnSearchText(bool next, bool backwards);
     void OnAccept();
     void ShowContextMenu(const QPoint &at);
