@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "framework/Ipglobal.h"
 
+#include <QCoreApplication>
+
 #include "framework/Kvglobal.h"
 
 QString BSBEditMask(const QString &format)
@@ -35,4 +37,84 @@ bool TaxScaleEditable(const QString &Code, bool)
                                "where iCountry = :country and cCode = :code"),
                 {{QStringLiteral("country"), int(CountryCode)}, {QStringLiteral("code"), Code.trimmed()}})
         .isEmpty();
+}
+
+const QStringList &TRateTypeString()
+{
+    static const QStringList texts{QStringLiteral("Fixed"), QStringLiteral("Formula"), QStringLiteral("Award")};
+    return texts;
+}
+
+const QStringList &TRateGroupingString()
+{
+    static const QStringList texts{QStringLiteral("Pay"), QStringLiteral("Leave"), QStringLiteral("Award")};
+    return texts;
+}
+
+const QStringList &HourTypesString()
+{
+    static const QStringList texts{
+        QStringLiteral("Normal"),
+        QStringLiteral("Time and a Half"),
+        QStringLiteral("Double Time"),
+        QStringLiteral("Annual Leave"),
+        QStringLiteral("Other Leave"),
+        QStringLiteral("Overtime"),
+        QStringLiteral("Long Service Leave"),
+        QStringLiteral("User Defined Leave"),
+        QStringLiteral("Sick Leave"),
+        QStringLiteral("RDO"),
+        QStringLiteral("Public Holiday"),
+        QStringLiteral("Workers Compensation"),
+        QStringLiteral("Parental Leave"),
+        QStringLiteral("Training"),
+        QStringLiteral("Travel"),
+        QStringLiteral("Unpaid"),
+    };
+    return texts;
+}
+
+TLookupSource ChangeReasonLookup()
+{
+    TLookupSource source;
+    source.from = QStringLiteral("_iptblChangeReasons");
+    source.key = QStringLiteral("idChangeReason");
+    source.columns = {{QStringLiteral("cChangeReason"), QStringLiteral("Change Reason")}};
+    source.where = QStringLiteral("bActive = 1");
+    return source;
+}
+
+TLookupSource FormulaLookup()
+{
+    TLookupSource source;
+    source.from = QStringLiteral("_iptblFormulaMain");
+    source.key = QStringLiteral("idFormulaMain");
+    source.columns = {{QStringLiteral("cCode"), QStringLiteral("Formula Code")},
+                      {QStringLiteral("cFormulaName"), QStringLiteral("Formula Name")}};
+    return source;
+}
+
+TLookupSource RateFactorLookup()
+{
+    TLookupSource source;
+    source.from = QStringLiteral("_iptblRateFactors");
+    source.key = QStringLiteral("idRateFactor");
+    source.columns = {{QStringLiteral("cCode"), QStringLiteral("Code")},
+                      {QStringLiteral("cDescription"), QStringLiteral("Description")}};
+    return source;
+}
+
+TLookupSource RateTypeLookup()
+{
+    TLookupSource source;
+    source.from = QStringLiteral("_iptblRateTypes");
+    source.key = QStringLiteral("idRateType");
+    source.columns = {{QStringLiteral("cCode"), QStringLiteral("Code")},
+                      {QStringLiteral("cDescription"), QStringLiteral("Description")}};
+    return source;
+}
+
+bool CommandLineHolds(const QString &word)
+{
+    return QCoreApplication::arguments().contains(word, Qt::CaseInsensitive);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include "framework/Export.h"
 #include "framework/editors/Editors.h"
@@ -22,3 +23,21 @@ CORVEX_API TLookupSource StateLookup();
 // tax office's codes are reference data; an empty or unknown code is the user's. The second argument is kept for callers' texts
 // and has no effect. Throws TDbError.
 CORVEX_API bool TaxScaleEditable(const QString &Code, bool);
+
+// ---- display lists: the text of a stored number is the entry at that position
+// What a rate type is: 0 a fixed rate, 1 a formula, 2 an award percentage.
+CORVEX_API const QStringList &TRateTypeString();
+// What a rate type is listed with: 0 ordinary pay, 1 leave, 2 awards.
+CORVEX_API const QStringList &TRateGroupingString();
+// What the hours paid by a rate type are.
+CORVEX_API const QStringList &HourTypesString();
+
+// ---- look-ups of the pay structure
+CORVEX_API TLookupSource ChangeReasonLookup();
+CORVEX_API TLookupSource FormulaLookup();
+CORVEX_API TLookupSource RateFactorLookup();
+// Rate types by master id, with the values that are in force.
+CORVEX_API TLookupSource RateTypeLookup();
+
+// Whether the program was started with this word ("MAPS=Y"), for screens that have a variant.
+CORVEX_API bool CommandLineHolds(const QString &word);
