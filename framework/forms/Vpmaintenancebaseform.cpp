@@ -86,10 +86,8 @@ TfrmMaintenanceBase::TfrmMaintenanceBase(const TMaintenanceFacts &facts, TCorvex
     query_.SetSelectControlCols(grid_);
 }
 
-TfrmMaintenanceBase::~TfrmMaintenanceBase()
-{
-    query_.SetSelectControlCols(nullptr);
-}
+// The query is the descendant's and has gone before: nothing may touch it here.
+TfrmMaintenanceBase::~TfrmMaintenanceBase() = default;
 
 QAction *TfrmMaintenanceBase::AddAction(const char *name, const char *icon, const QString &caption, const QString &tip,
                                         const QList<QKeySequence> &keys, void (TfrmMaintenanceBase::*handler)())
