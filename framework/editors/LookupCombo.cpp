@@ -99,6 +99,12 @@ public:
         pinned_ = row;
         endInsertRows();
     }
+    void Unpin()
+    {
+        beginRemoveRows({}, 0, 0);
+        pinned_.reset();
+        endRemoveRows();
+    }
     void Prepend(QList<TGridRow> rows)
     {
         DropPinnedOf(rows);
@@ -246,20 +252,36 @@ struct TqsLookupCombo::Impl
         if (more)
             rows.removeLast();
         loaded = true;
-        Replace(rows, false, more);
+        Replace(rows, false, more, true);
         Choose(key);
     }
 
-    // New rows in place of those held; the chosen record stays the current one.
-    void Replace(const QList<TGridRow> &rows, bool before, bool after)
+    // New rows in place of those held. With `keep` the chosen record stays the current one wherever it lies; else
+    // nothing is current.
+    void Replace(const QList<TGridRow> &rows, bool before, bool after, bool keep)
     {
         std::optional<TGridRow> pinned;
-        if (key != 0 && chosen.key == key && !chosen.values.isEmpty() && (before || after) &&
+        if (keep && key != 0 && chosen.key == key && !chosen.values.isEmpty() && (before || after) &&
             std::none_of(rows.begin(), rows.end(), [this](const TGridRow &row) { return row.key == key; }))
             pinned = chosen;
         changing = true;
         model->Reset(rows, before, after, pinned);
         combo->setCurrentIndex(key == 0 ? -1 : model->RowOf(key));
+        changing = false;
+    }
+
+    // After a search in the drop-down the chosen record may stand out of its place, in front of the others.
+    void Settle()
+    {
+        if (!model->Pinned() || model->Pinned()->values.isEmpty())
+            return;
+        changing = true;
+        if (key == model->Pinned()->key) {
+            model->Reset({chosen}, true, true);
+            combo->setCurrentIndex(0);
+        } else {
+            model->Unpin();
+        }
         changing = false;
     }
 
@@ -326,15 +348,15 @@ struct TqsLookupCombo::Impl
             Extend(false, kAtOnce / 2);
     }
 
-    void JumpTo(bool last)
+    void JumpTo(bool last, bool keep)
     {
         if (last ? model->moreAfter : model->moreBefore)
-            Replace(last ? query.Last(kAtOnce) : query.First(kAtOnce), last, !last);
+            Replace(last ? query.Last(kAtOnce) : query.First(kAtOnce), last, !last, keep);
     }
 
     // The row of the first choice that starts with a text, in the first column that has one; -1: none. Longer lists are
     // searched by the database, and the rows held become those around the one found.
-    int Find(const QString &text, int after)
+    int Find(const QString &text, int after, bool keep)
     {
         if (!model->IsWindow()) {
             const int count = model->rowCount({});
@@ -356,14 +378,15 @@ struct TqsLookupCombo::Impl
                 continue;
             if (const int row = model->RowOf(found.first().key); row >= 0)
                 return row;
-            Replace(found, true, true);
+            Replace(found, true, true, keep);
             return model->RowOf(found.first().key);
         }
         return -1;
     }
 
-    // One more character typed; `current` is the row that stands out now. Gives the row to stand on, -1 to stay.
-    int Type(const QString &text, int current)
+    // One more character typed; `current` is the row that stands out now. Gives the row to stand on, -1 to stay. `keep`
+    // as in Replace.
+    int Type(const QString &text, int current, bool keep)
     {
         if (!typedAt.isValid() || typedAt.elapsed() > kTypingPauseMs)
             typed.clear();
@@ -371,9 +394,9 @@ struct TqsLookupCombo::Impl
         typed += text;
         // The same letter again and again walks through what begins with it.
         const bool repeated = typed.size() > 1 && typed.count(typed[0], Qt::CaseInsensitive) == typed.size();
-        int row = Find(typed, -1);
+        int row = Find(typed, -1, keep);
         if (row < 0 && repeated)
-            row = Find(typed.left(1), current);
+            row = Find(typed.left(1), current, keep);
         if (row < 0)
             typed.chop(text.size());
         return row;
@@ -440,7 +463,7 @@ TqsLookupCombo::TqsLookupCombo(QWidget *parent)
             [this](int value) { impl_->OnScrolled(value); });
     impl_->view->Type = [this](const QString &text) {
         impl_->Guarded([&] {
-            int row = impl_->Type(text, impl_->view->currentIndex().row());
+            int row = impl_->Type(text, impl_->view->currentIndex().row(), true);
             if (row < 0)
                 return;
             const int key = impl_->model->At(row)->key;
@@ -451,8 +474,9 @@ TqsLookupCombo::TqsLookupCombo(QWidget *parent)
     };
     impl_->view->Jump = [this](bool last) {
         impl_->Guarded([&] {
-            impl_->JumpTo(last);
-            impl_->view->setCurrentIndex(impl_->model->index(last ? impl_->model->rowCount({}) - 1 : 0, 0));
+            impl_->JumpTo(last, true);
+            const int first = impl_->model->Pinned() ? 1 : 0;
+            impl_->view->setCurrentIndex(impl_->model->index(last ? impl_->model->rowCount({}) - 1 : first, 0));
         });
     };
 }
@@ -521,6 +545,7 @@ QVariant TqsLookupCombo::Field(QStringView field) const
 
 void TqsLookupCombo::keyPressEvent(QKeyEvent *event)
 {
+    impl_->Settle();
     const int key = event->key();
     const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
     if (key == Qt::Key_Delete || key == Qt::Key_Backspace) {
@@ -532,7 +557,7 @@ void TqsLookupCombo::keyPressEvent(QKeyEvent *event)
     if (plain && !text.isEmpty() && text[0].isPrint() && (text[0] != u' ' || impl_->IsTyping())) {
         impl_->Guarded([&] {
             impl_->EnsureLoaded();
-            if (const int row = impl_->Type(text, currentIndex()); row >= 0)
+            if (const int row = impl_->Type(text, currentIndex(), false); row >= 0)
                 setCurrentIndex(row);
         });
         return;
@@ -541,7 +566,7 @@ void TqsLookupCombo::keyPressEvent(QKeyEvent *event)
     impl_->Guarded([&] {
         impl_->EnsureLoaded();
         if (key == Qt::Key_Home || key == Qt::Key_End)
-            impl_->JumpTo(key == Qt::Key_End);
+            impl_->JumpTo(key == Qt::Key_End, false);
         else if (key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp || key == Qt::Key_PageDown)
             impl_->FillAround(currentIndex());
     });
@@ -551,6 +576,7 @@ void TqsLookupCombo::keyPressEvent(QKeyEvent *event)
 void TqsLookupCombo::showPopup()
 {
     impl_->typed.clear();
+    impl_->Settle();
     impl_->Guarded([this] {
         impl_->EnsureLoaded();
         impl_->FillAround(currentIndex());

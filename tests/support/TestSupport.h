@@ -48,7 +48,7 @@ QVariant ValueOf(const QString &select, const TDbParams &params = {});
 
 // ---- controls
 
-// For init(): a warning fails the test, save the one that the offscreen platform prints for every window.
+// For init(): a warning fails the test, save what the offscreen platform says that it cannot do.
 void FailOnWarnings();
 
 // The control with this object name below `root`; throws when there is none, or not one of this type.
@@ -99,7 +99,7 @@ public:
     // A message box with exactly this text, answered with a standard button or the button that bears a caption.
     TUserScript &Box(const QString &text, QMessageBox::StandardButton answer = QMessageBox::Ok);
     TUserScript &Box(const QString &text, const QString &answer);
-    // A window by object name, driven by a function that has to close it in the end (or leave it open for the next
+    // A window by object name ("": whatever window that is no box), driven by a function that has to close it in the end (or leave it open for the next
     // Dialog of the same name). Windows that open meanwhile are the next ones of the list.
     TUserScript &Dialog(const QString &objectName, std::function<void(QDialog &)> drive);
     // A file dialog by title: chooses the file, or cancels with "".

@@ -127,7 +127,7 @@ bool TUserScript::Matches(const TStep &step, const QWidget &window) const
         return box && box->text() == step.name;
     }
     case TStep::Kind::Dialog:
-        return window.objectName() == step.name && qobject_cast<const QDialog *>(&window) &&
+        return (step.name.isEmpty() || window.objectName() == step.name) && qobject_cast<const QDialog *>(&window) &&
                !qobject_cast<const QMessageBox *>(&window);
     case TStep::Kind::File:
         return qobject_cast<const QFileDialog *>(&window) && window.windowTitle() == step.name;
