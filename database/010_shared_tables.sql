@@ -37,7 +37,7 @@ GO
 
 -- The employer.
 CREATE TABLE dbo.Entities (
-    [idEntity] int IDENTITY(1,1) NOT NULL CONSTRAINT PK_Entities PRIMARY KEY,
+    idEntities int IDENTITY(1,1) NOT NULL CONSTRAINT PK_Entities PRIMARY KEY,
     Name nvarchar(100) NOT NULL,
     cBusinessNumber nvarchar(20) NULL
 )

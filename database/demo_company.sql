@@ -1,6 +1,6 @@
 -- Demonstration data: an employer, the people who use the product, employees and where their pay goes.
 
-UPDATE dbo.Entities SET Name = 'Harbour & Hill Trading Pty Ltd', cBusinessNumber = '00 000 000 000' WHERE [idEntity] = 1
+UPDATE dbo.Entities SET Name = 'Harbour & Hill Trading Pty Ltd', cBusinessNumber = '00 000 000 000' WHERE idEntities = 1
 GO
 
 INSERT INTO dbo._btblAgents (cAgentName, bActive) VALUES

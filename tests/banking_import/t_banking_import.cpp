@@ -290,13 +290,12 @@ void TBankingImportTest::FailureWritesNothing()
     QByteArray csv = kHeading;
     for (int i = 0; i < 450; ++i)
         csv += Row("ANZ", "Bank", "Town", "012-" + QByteArray::number(i).rightJustified(3, '0'));
-    QVERIFY_EXCEPTION_THROWN(Import(csv,
-                                    [&](qint64 done, qint64) {
-                                        if (done == 400)
-                                            db_->Execute(u"insert into _iptblBanks (cCode) values (null)"_s);
-                                        return true;
-                                    }),
-                             TDbError);
+    const auto breakAt400 = [this](qint64 done, qint64) {
+        if (done == 400)
+            db_->Execute(u"insert into _iptblBanks (cCode) values (null)"_s);
+        return true;
+    };
+    QVERIFY_THROWS_EXCEPTION(TDbError, Import(csv, breakAt400));
     QVERIFY(!db_->InTransaction());
     QCOMPARE(Count(*db_, u"_iptblBanks"_s), 0);
 }
