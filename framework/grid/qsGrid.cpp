@@ -36,6 +36,7 @@ constexpr int kWholeList = 500; // a complete list of up to this many rows is re
 constexpr int kExportPage = 500;
 constexpr int kSlowMs = 60; // a page that takes longer was not found by an index: bigger pages from then on
 constexpr int kCountDelayMs = 150;
+constexpr int kCountSlice = 30000; // rows counted at a time, so that counting a long list holds nobody up
 constexpr int kLeastWidth = 20, kMostWidth = 2000, kMostBestFit = 600;
 
 // Draws notes as an icon, keeps every record on one line, and tells the whole of a text that was cut.
@@ -156,6 +157,8 @@ struct TqsGrid::Impl
     QTimer work; // one step of reading ahead a time
     QTimer counting;
     bool countDue = false;
+    qlonglong counted = 0;        // so far …
+    std::optional<int> countedTo; // … up to this key
     qlonglong count = -1;
     bool slow = false;
 
@@ -507,7 +510,9 @@ struct TqsGrid::Impl
                 countDue = false;
                 SetCount(model->rowCount());
             } else if (countDue) {
-                counting.start();
+                counted = 0;
+                countedTo.reset();
+                counting.start(kCountDelayMs);
             }
         });
     }
@@ -517,9 +522,15 @@ struct TqsGrid::Impl
         if (!countDue)
             return;
         Guard([this] {
-            const qlonglong rows = model->Query().Count();
+            const TGridQuery::Slice slice = model->Query().Count(countedTo, kCountSlice);
+            counted += slice.rows;
+            countedTo = slice.lastKey;
+            if (slice.rows == kCountSlice) {
+                counting.start(0);
+                return;
+            }
             countDue = false;
-            SetCount(rows);
+            SetCount(counted);
         });
     }
 
@@ -790,7 +801,6 @@ TqsGrid::TqsGrid(QWidget *parent)
     impl_->work.setInterval(0);
     connect(&impl_->work, &QTimer::timeout, this, [this] { impl_->Work(); });
     impl_->counting.setSingleShot(true);
-    impl_->counting.setInterval(kCountDelayMs);
     connect(&impl_->counting, &QTimer::timeout, this, [this] { impl_->Count(); });
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
         if (impl_->quiet == 0)

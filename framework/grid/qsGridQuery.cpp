@@ -235,10 +235,19 @@ std::optional<TGridRow> TGridQuery::Find(const QString &text, const QList<TGridC
     return rows.isEmpty() ? std::nullopt : std::optional(rows.first());
 }
 
-qlonglong TGridQuery::Count() const
+TGridQuery::Slice TGridQuery::Count(std::optional<int> after, int limit) const
 {
-    const Condition statement = Statement(QStringLiteral("select count(*) as nRows"), {where_, filter_}, {});
-    return MainConnection().Select(statement.sql, statement.params).Value(0, u"nRows").toLongLong();
+    Condition further;
+    if (after)
+        further = {key_ + QStringLiteral(" > :qsKey"), {{QStringLiteral("qsKey"), *after}}};
+    const QString name = names_[keyIndex_];
+    const Condition inner = Statement(QStringLiteral("select top %1 ").arg(limit) + key_, {where_, filter_, further},
+                                      QStringLiteral(" order by ") + key_);
+    const TDbRows rows =
+        MainConnection().Select(QStringLiteral("select count(*) as nRows, max(") + name +
+                                    QStringLiteral(") as nLast from (") + inner.sql + QStringLiteral(") as T"),
+                                inner.params);
+    return {rows.Value(0, u"nRows").toInt(), rows.Value(0, u"nLast").toInt()};
 }
 
 QList<int> TGridQuery::Existing(const QList<int> &keys) const

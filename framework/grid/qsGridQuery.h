@@ -47,7 +47,13 @@ public:
     // without `from`.
     std::optional<TGridRow> Find(const QString &text, const QList<TGridColumn> &searched, const TGridRow *from,
                                  bool inclusive, bool backwards) const;
-    qlonglong Count() const;
+    // Counts at most `limit` rows in the order of their keys, from the one after `after` on.
+    struct Slice
+    {
+        int rows = 0;
+        int lastKey = 0;
+    };
+    Slice Count(std::optional<int> after, int limit) const;
     // Those of the keys whose records the source still holds, text filter aside; in the given order.
     QList<int> Existing(const QList<int> &keys) const;
 
