@@ -82,8 +82,6 @@ TfrmMaintenanceBase::TfrmMaintenanceBase(const TMaintenanceFacts &facts, TCorvex
     layout->addWidget(pnlBelowGrid);
     BuildModalButtons();
     layout->addWidget(pnlModalButtons);
-
-    query_.SetSelectControlCols(grid_);
 }
 
 // The query is the descendant's and has gone before: nothing may touch it here.
@@ -211,6 +209,7 @@ void TfrmMaintenanceBase::BuildModalButtons()
 
 void TfrmMaintenanceBase::Load()
 {
+    query_.SetSelectControlCols(grid_);
     FormCreate(this);
     mniWhereUsed->setVisible(!InUseTables().empty());
     RefreshFilter();
