@@ -7,6 +7,17 @@
 #include "banking/IPBankAddDlg.h"
 #include "banking/IPBankMaintenance.h"
 #include "framework/Kvglobal.h"
+#include "tax/IPHECSScalesAddDlg.h"
+#include "tax/IPHECSScalesMaintenance.h"
+#include "tax/IPMedicareScalesDlg.h"
+#include "tax/IPMedicareScalesMaintenance.h"
+#include "tax/IPSFSSScalesDlg.h"
+#include "tax/IPSFSSScalesMaintenance.h"
+#include "tax/IPTaxParametersDlg.h"
+#include "tax/IPTaxParametersNZDlg.h"
+#include "tax/IPTaxParametersOtherDlg.h"
+#include "tax/IPTaxScalesAddDlg.h"
+#include "tax/IPTaxScalesMaintenance.h"
 
 namespace {
 
@@ -55,23 +66,25 @@ struct TMessageRow {
 constexpr TMessageRow kMessages[] = {
     {9225, "DoBankMaintenance", List{DoBankMaintenance}},
     {9226, "DoIPBankAdd", Dialog{DoIPBankAdd}},
-    {9228, "DoMedicareScalesMaintenance", List{}},
-    {9229, "DoMedicareScalesAdd", Dialog{}},
+    {9228, "DoMedicareScalesMaintenance", List{DoMedicareScalesMaintenance}},
+    {9229, "DoMedicareScalesAdd", Dialog{DoMedicareScalesAdd}},
     {9231, "DoPayrollTaxMaintenance", List{}},
     {9232, "DoPayrollTaxAdd", Dialog{}},
     {9234, "DoDenominationsMaintenance", List{}},
     {9235, "DoDenominationsAdd", Dialog{}},
-    {9237, "DoSFSSScalesMaintenance", List{}},
-    {9238, "DoSFSSScalesAdd", Dialog{}},
+    {9237, "DoSFSSScalesMaintenance", List{DoSFSSScalesMaintenance}},
+    {9238, "DoSFSSScalesAdd", Dialog{DoSFSSScalesAdd}},
     {9240, "DoEFTMaintenance", List{}},
     {9241, "DoEFTAdd, DoCompanyBankAdd", Dialog{}},
-    {9243, "DoTaxScalesMaintenance", List{}},
-    {9244, "DoTaxScalesAdd", Dialog{}},
+    {9243, "DoTaxScalesMaintenance", List{DoTaxScalesMaintenance}},
+    {9244, "DoTaxScalesAdd", Dialog{DoTaxScalesAdd}},
     {9249, "DoContractHoursMaintenance", List{}},
     {9250, "DoContractHoursAdd", Dialog{}},
-    {9252, "DoHECSScalesMaintenance", List{}},
-    {9253, "DoHECSScalesAdd", Dialog{}},
-    {9255, "DoTaxParameters", ByCountry{}},
+    {9252, "DoHECSScalesMaintenance", List{DoHECSScalesMaintenance}},
+    {9253, "DoHECSScalesAdd", Dialog{DoHECSScalesAdd}},
+    {9255, "DoTaxParameters",
+     ByCountry{IPTaxParametersDlg::DoTaxParameters, IPTaxParametersNZDlg::DoTaxParameters,
+               IPTaxParametersOtherDlg::DoTaxParameters}},
     {9256, "DoPayerGroupsMaintenance", List{}},
     {9257, "DoPayerGroupsAdd", Dialog{}},
     {9262, "DoSuperFundMaintenance", SelectList{}},

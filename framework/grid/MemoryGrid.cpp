@@ -159,11 +159,17 @@ void TMemoryTable::MoveToPlace(int &row)
     row = place;
 }
 
-int TMemoryTable::Append(const QVariantMap &values)
+QVariantList TMemoryTable::RowOf(const QVariantMap &values) const
 {
     QVariantList row;
-    for (const TGridColumn &column : std::as_const(columns_))
+    for (const TGridColumn &column : columns_)
         row.append(values.value(column.field, BlankOf(column)));
+    return row;
+}
+
+int TMemoryTable::Append(const QVariantMap &values)
+{
+    const QVariantList row = RowOf(values);
     const int place = PlaceFor(row, -1);
     beginInsertRows({}, place, place);
     rows_.insert(place, row);
@@ -187,10 +193,17 @@ void TMemoryTable::Remove(int row)
     endRemoveRows();
 }
 
-void TMemoryTable::Clear()
+void TMemoryTable::SetRows(const QList<QVariantMap> &rows)
 {
     beginResetModel();
     rows_.clear();
+    for (const QVariantMap &values : rows)
+        rows_.append(RowOf(values));
+    if (sortColumn_ >= 0) {
+        std::stable_sort(rows_.begin(), rows_.end(), [this](const QVariantList &a, const QVariantList &b) {
+            return QVariant::compare(a[sortColumn_], b[sortColumn_]) == QPartialOrdering::Less;
+        });
+    }
     endResetModel();
 }
 

@@ -32,7 +32,8 @@ public:
     int Append(const QVariantMap &values);
     int Set(int row, const QVariantMap &values); // columns that are not named stay
     void Remove(int row);
-    void Clear();
+    // In place of all rows so far.
+    void SetRows(const QList<QVariantMap> &rows);
 
     // Cells that the user may change in place. Numbers are rounded to their column's decimals; one out of bounds is
     // refused.
@@ -60,6 +61,7 @@ Q_SIGNALS:
 private:
     int PlaceFor(const QVariantList &row, int ignored) const;
     void MoveToPlace(int &row);
+    QVariantList RowOf(const QVariantMap &values) const;
 
     QList<TGridColumn> columns_;
     int sortColumn_;

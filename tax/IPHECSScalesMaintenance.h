@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+class TList;
+
+// The study and training support loan (STSL) scales of the current tax year. Modal: returns when it is closed, SelectedList
+// then holds the ids chosen.
+void DoHECSScalesMaintenance(bool Modal, TList *SelectedList, bool MultiSelect);

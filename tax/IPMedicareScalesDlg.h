@@ -1,0 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// Adds a Medicare scale (Id 0), edits one, or saves a copy of one (Copy). Returns when the dialog is closed.
+void DoMedicareScalesAdd(int Id, bool Copy);

@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+namespace IPTaxParametersNZDlg {
+
+// The New Zealand tax parameters of the current tax year. Returns when the dialog is closed.
+void DoTaxParameters();
+
+} // namespace IPTaxParametersNZDlg
