@@ -6,6 +6,7 @@
 #include "banking/BSBImportDlg.h"
 #include "package/MessageTable.h"
 #include "package/RegistrationTable.h"
+#include "tax/NewTaxYearDlg.h"
 
 namespace {
 
@@ -68,7 +69,8 @@ bool TkpIMaintenance::CanHandleMessage(uint MsgId) const
 
 QList<TToolEntry> TkpIMaintenance::ToolEntries() const
 {
-    return {{QStringLiteral("mniImportBSB"), tr("Import &BSB Directory..."), &DoBSBImport}};
+    return {{QStringLiteral("mniImportBSB"), tr("Import &BSB Directory..."), &DoBSBImport},
+            {QStringLiteral("mniNewTaxYear"), tr("New &Tax Year..."), &DoNewTaxYear}};
 }
 
 extern "C" {
