@@ -7,6 +7,10 @@
 #include "banking/IPBankAddDlg.h"
 #include "banking/IPBankMaintenance.h"
 #include "framework/Kvglobal.h"
+#include "paystructure/IPRateFactorAddDlg.h"
+#include "paystructure/IPRateFactorsMaintenance.h"
+#include "paystructure/IPRateTypeAddDlg.h"
+#include "paystructure/IPRateTypeMaintenance.h"
 #include "tax/IPHECSScalesAddDlg.h"
 #include "tax/IPHECSScalesMaintenance.h"
 #include "tax/IPMedicareScalesDlg.h"
@@ -96,8 +100,8 @@ constexpr TMessageRow kMessages[] = {
     {9280, "DoGeneralParameters", Plain{}},
     {9281, "DoIPAnnualLeaveMaintenance", List{}},
     {9282, "DoIPAnnualLeaveAdd", Dialog{}},
-    {9284, "DoRateFactorsMaintenance", List{}},
-    {9285, "DoRateFactorAdd", Dialog{}},
+    {9284, "DoRateFactorsMaintenance", List{DoRateFactorsMaintenance}},
+    {9285, "DoRateFactorAdd", Dialog{DoRateFactorAdd}},
     {9287, "DoPayComponentsMaintenance", SelectList{}},
     {9288, "DoPayComponentsAdd", Dialog{}},
     {9290, "DoLeaveLoadingMaintenance", List{}},
@@ -130,8 +134,8 @@ constexpr TMessageRow kMessages[] = {
     {9396, "DoIPCalendarLeaveAdd", Dialog{}},
     {9404, "DoIPWorkPlanMaintenance", List{}},
     {9405, "DoAddWorkPlan", Dialog{}},
-    {9409, "DoRateTypeMaintenance", SelectList{}},
-    {9410, "DoRateTypeAdd", Dialog{}},
+    {9409, "DoRateTypeMaintenance", SelectList{DoRateTypeMaintenance}},
+    {9410, "DoRateTypeAdd", Dialog{[](int Id, bool Copy) { DoRateTypeAdd(Id, Copy, false); }}},
     {9412, "DoExportFileLayoutMaintenance", List{}},
     {9415, "DoLeaveParameters", Plain{}},
     {9418, "DoIPUserDefinedLeaveMaintenance", SelectList{}},

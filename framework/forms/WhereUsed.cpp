@@ -87,10 +87,10 @@ QList<TUsage> CountUses(std::span<const TInUse> tables, int id)
             if (same(other))
                 columns.append(QString::fromLatin1(other.column) + QStringLiteral(" = :id"));
         }
-        const TDbRows rows = MainConnection().Select(
-            QStringLiteral("select count(*) as n from %1 where %2")
-                .arg(QString::fromLatin1(use.table), columns.join(QStringLiteral(" or "))),
-            {{QStringLiteral("id"), id}});
+        const TDbRows rows =
+            MainConnection().Select(QStringLiteral("select count(*) as n from %1 where %2")
+                                        .arg(QString::fromLatin1(use.table), columns.join(QStringLiteral(" or "))),
+                                    {{QStringLiteral("id"), id}});
         // Some users' names carry a blank in front for the messages that they stand in.
         if (const qlonglong records = rows.Value(0, u"n").toLongLong())
             usages.append({QString::fromUtf8(use.user).trimmed(), records});
