@@ -116,8 +116,9 @@ std::unique_ptr<TDbConnection> OpenChoice(const TDatabaseChoice &choice, const Q
     if (choice.Creates())
         CreateDatabaseFile(choice.file, choice.kind == TDatabaseChoice::Kind::CreateDemonstration, choice.country,
                            scriptsFolder, progress);
-    auto connection = choice.kind == TDatabaseChoice::Kind::Connect ? OpenOdbcDatabase(choice.connection)
-                                                                    : OpenEmbeddedDatabase(choice.file);
+    auto connection = choice.kind == TDatabaseChoice::Kind::Connect
+                          ? OpenOdbcDatabase(choice.connection)
+                          : OpenEmbeddedDatabase(QFileInfo(choice.file).absoluteFilePath());
     CheckIsPayroll(*connection);
     if (choice.country)
         SetCountry(*connection, *choice.country);

@@ -76,7 +76,7 @@ TfrmMain::TfrmMain(std::unique_ptr<TCorvexPackageInterface> package, QString scr
     tabScreens->setDocumentMode(true);
     splitter_->setStretchFactor(1, 1);
     splitter_->setChildrenCollapsible(false);
-    splitter_->setSizes({290, 900});
+    splitter_->setSizes({310, 990});
 
     connect(pnlNavigation, &TNavigationTree::Activated, this, &TfrmMain::OpenFromTree);
     connect(tabScreens, &QTabWidget::tabCloseRequested, this, &TfrmMain::CloseScreen);
@@ -89,7 +89,7 @@ TfrmMain::TfrmMain(std::unique_ptr<TCorvexPackageInterface> package, QString scr
     ReadInstallation();
     UpdateTabs();
 
-    resize(1180, 760);
+    resize(1300, 800);
     restoreGeometry(HostSettings().value(kGeometry).toByteArray());
     splitter_->restoreState(HostSettings().value(kSplitter).toByteArray());
     SetScreenHost(this);

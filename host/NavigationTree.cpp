@@ -5,7 +5,9 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPainter>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -112,13 +114,31 @@ QString FolderCaption(const QString &key)
     return WordOfKey(key);
 }
 
-QIcon FolderIcon(const QString &key)
+QString FolderIconName(const QString &key)
 {
     for (const TKeyCaption &known : kKeyCaptions) {
         if (key == QLatin1String(known.key))
-            return ScreenIcon(QString::fromLatin1(known.icon));
+            return QString::fromLatin1(known.icon);
     }
-    return ScreenIcon(QStringLiteral("folder"));
+    return QStringLiteral("folder");
+}
+
+// The icon, and in the colour of the text while its entry is selected: the icons' own blue would drown in the
+// selection's.
+QIcon TreeIcon(const QString &name, const QColor &selected)
+{
+    QIcon icon = ScreenIcon(name);
+    for (const int size : {16, 24, 32}) {
+        QPixmap pixmap = icon.pixmap(size);
+        if (pixmap.isNull())
+            continue;
+        QPainter painter(&pixmap);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        painter.fillRect(pixmap.rect(), selected);
+        painter.end();
+        icon.addPixmap(pixmap, QIcon::Selected);
+    }
+    return icon;
 }
 
 bool IsFolder(const TObjectEntry &entry)
@@ -269,6 +289,7 @@ TNavigationTree::TNavigationTree(QWidget *parent)
     trvNavigation->setHeaderHidden(true);
     trvNavigation->setUniformRowHeights(true);
     trvNavigation->setExpandsOnDoubleClick(false);
+    trvNavigation->setIndentation(16);
     trvNavigation->header()->setStretchLastSection(true);
     trvNavigation->installEventFilter(this);
 
@@ -301,12 +322,11 @@ void TNavigationTree::AddNodes(QTreeWidgetItem *parent, const QList<TNavigationN
 {
     for (const TNavigationNode &node : nodes) {
         auto *item = new QTreeWidgetItem(parent, {node.caption});
-        item->setIcon(0, node.folder ? FolderIcon(node.key) : ScreenIcon(QStringLiteral("screen")));
+        item->setIcon(0, TreeIcon(node.folder ? FolderIconName(node.key) : QStringLiteral("screen"),
+                                  palette().color(QPalette::HighlightedText)));
         item->setData(0, kMessageRole, node.message);
-        if (!node.available) {
-            item->setDisabled(true);
-            item->setToolTip(0, tr("Not available in this build"));
-        }
+        item->setToolTip(0, node.available ? node.caption : tr("Not available in this build"));
+        item->setDisabled(!node.available);
         AddNodes(item, node.children);
     }
 }
