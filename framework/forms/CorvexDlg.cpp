@@ -177,7 +177,9 @@ TfrmCorvexDlg::TfrmCorvexDlg(const TDialogFacts &facts, TCorvexADOQuery &query, 
     btnNote = new QToolButton(pnlButtons);
     btnNote->setObjectName(QStringLiteral("btnNote"));
     btnNote->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    btnNote->setText(QStringLiteral("&Notes"));
+    // No access key: the letters belong to the fields.
+    btnNote->setText(QStringLiteral("Notes"));
+    btnNote->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
     buttonsLayout->insertWidget(0, btnNote);
     connect(btnNote, &QToolButton::clicked, this, &TfrmCorvexDlg::btnNoteClick);
 }
