@@ -18,7 +18,7 @@ constexpr TMaintenanceFacts kMedicareScales{"TfrmMedicareScalesMaint",
 
 const char kMedicareInUse[] = "Unable to delete Medicare Scale \"%s\", as it is in use!";
 constexpr TInUse kInUse[] = {
-    {"_iptblTaxScales", "iMedicareScalesID", ""},
+    {"_iptblTaxScales", "iMedicareScalesID", "Tax Scales"},
 };
 
 const char kDeleteScale[] = "delete from _iptblMedicareScales where idMedicareScales = :id";
@@ -75,6 +75,7 @@ protected:
     }
 
     QString DeleteQuestion() const override { return "Delete Medicare Scales \"" + qryMedicareScales.GetCode() + "\"?"; }
+    std::span<const TInUse> InUseTables() const override { return kInUse; }
     bool CheckBeforeDelete() override { return CheckInUse(kInUse, kMedicareInUse, qryMedicareScales.GetCode()); }
     void DeleteRecord() override
     {

@@ -80,6 +80,10 @@ public:
             .Number(edtTermWholeOfIncomeCap, "edtTermWholeOfIncomeCap", "&Whole Of Income Cap",
                     qry.TermWholeOfIncomeCap, 4)
             .Widget(PreservationAgeTable(), "pnlPreservationAges");
+        for (QGroupBox *box : top->findChildren<QGroupBox *>(QString(), Qt::FindDirectChildrenOnly)) {
+            auto *grid = static_cast<QGridLayout *>(box->layout());
+            grid->setRowStretch(grid->rowCount(), 1); // the shorter one's fields stay together
+        }
         AddGroup("Component D")
             .Number(edtTermETPInitTaxFree, "edtTermETPInitTaxFree", "&Initial Tax Free Value", qry.TermETPInitTaxFree, 4)
             .Number(edtTermETPAnnualTaxFree, "edtTermETPAnnualTaxFree", "Annual Tax &Free Value",

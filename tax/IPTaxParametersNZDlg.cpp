@@ -190,6 +190,13 @@ public:
             .Number(edtLevyRate, "edtLevyRate", "Levy Rate", qryParameters.LevyRate, 4)
             .Number(edtAnnualLevyThreshold, "edtAnnualLevyThreshold", "Annual Levy Threshold",
                     qryParameters.AnnualLevyThreshold, 4);
+        for (QGroupBox *box : left->findChildren<QGroupBox *>(QString(), Qt::FindDirectChildrenOnly)) {
+            static_cast<QGridLayout *>(box->layout())
+                ->setColumnMinimumWidth(0, fontMetrics().horizontalAdvance("End Result Tax Value To") + 4);
+        }
+        auto *lblGrids = new QLabel("In the grids Ins adds a row, Enter changes a cell, Del removes the row.", left);
+        lblGrids->setWordWrap(true);
+        left->layout()->addWidget(lblGrids);
         static_cast<QVBoxLayout *>(left->layout())->addStretch();
         fields.AddGroup(right, "Lump Sum Tax Rates").Widget(lumpSums_.Grid(), "grdLumpSums");
         fields.AddGroup(right, "Rebates").Widget(rebates_.Grid(), "grdRebates");

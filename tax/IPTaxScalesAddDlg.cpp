@@ -49,6 +49,9 @@ public:
             .Check(chkRebatesApplicable, "chkRebatesApplicable", "&Rebates Applicable", qryTaxScales.RatesApplicable)
             .Check(chkIncludeLeaveLoading, "chkIncludeLeaveLoading", "Include Leave &Loading",
                    qryTaxScales.IncludeLeaveLoading);
+        // Scales of the tax office's are only looked at: they must be legible all the same.
+        ShowReadable(edtCode);
+        ShowReadable(edtDescription);
         AddBracketsGroup(BracketColumns());
     }
 

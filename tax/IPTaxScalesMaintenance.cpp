@@ -81,6 +81,7 @@ protected:
     }
 
     QString DeleteQuestion() const override { return "Delete Tax Scale \"" + qryTaxScales.GetCode() + "\" ?"; }
+    std::span<const TInUse> InUseTables() const override { return kInUse; }
     bool CheckBeforeDelete() override { return CheckDelete(); }
     void DeleteRecord() override
     {

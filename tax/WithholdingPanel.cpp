@@ -17,14 +17,20 @@ constexpr double kUsualWeeklyEarnings = 1'100;
 constexpr double kUsualYearlyEarnings = 57'200;
 constexpr qsizetype kMostWarnings = 3;
 
+// Where a bracket has no end, there is no amount at its end either.
+QString MoneyOf(const QVariant &value)
+{
+    return value.isNull() ? QString() : value.toDouble() >= kNoEnd ? QObject::tr("and above") : MoneyText(value.toDouble());
+}
+
 const QList<TGridColumn> &TableColumns()
 {
     using Kind = TGridColumn::Kind;
     static const QList<TGridColumn> columns{
-        {"fFrom", "From", Kind::Float, 90},
-        {"cBelow", "Below", Kind::Text, 90},
-        {"fAtStart", "At the start", Kind::Float, 100},
-        {"cAtEnd", "At the end", Kind::Text, 100},
+        {"fFrom", "From", Kind::Float, 90, true, true, 2, MoneyOf},
+        {"fBelow", "Below", Kind::Float, 90, true, true, 2, MoneyOf},
+        {"fAtStart", "At the start", Kind::Float, 100, true, true, 2, MoneyOf},
+        {"fAtEnd", "At the end", Kind::Float, 100, true, true, 2, MoneyOf},
     };
     return columns;
 }
@@ -59,7 +65,7 @@ TWithholdingPanel::TWithholdingPanel(TWithholdingRule rule, QWidget *parent)
     edtTryEarnings_->SetMaximum(kNoEnd);
     edtTryEarnings_->SetDecimals(2);
     edtTryEarnings_->SetValue(yearly ? kUsualYearlyEarnings : kUsualWeeklyEarnings);
-    edtTryEarnings_->setMaximumWidth(130);
+    edtTryEarnings_->setFixedWidth(120);
     lblWithholding_->setObjectName(QStringLiteral("lblWithholding"));
     QFont bold = lblWithholding_->font();
     bold.setBold(true);
@@ -211,9 +217,9 @@ void TWithholdingPanel::ShowTable()
         const bool open = IsOpenEnded(bracket);
         const double last = bracket.below - (rule_ == TWithholdingRule::Yearly ? 0.01 : 1);
         rows.append({{"fFrom", from},
-                      {"cBelow", open ? tr("and above") : MoneyText(bracket.below)},
+                      {"fBelow", bracket.below},
                       {"fAtStart", Withhold(brackets_, rule_, from).amount},
-                      {"cAtEnd", open ? QString() : MoneyText(Withhold(brackets_, rule_, last).amount)}});
+                      {"fAtEnd", open ? QVariant() : QVariant(Withhold(brackets_, rule_, last).amount)}});
         from = std::max(from, bracket.below);
     }
     grdWithholding_->Table().SetRows(rows);

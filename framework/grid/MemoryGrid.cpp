@@ -303,11 +303,15 @@ TqsMemoryGrid::TqsMemoryGrid(const QList<TGridColumn> &columns, const QString &s
     verticalHeader()->hide();
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
     horizontalHeader()->setHighlightSections(false);
-    horizontalHeader()->setStretchLastSection(true);
     for (int i = 0; i < columns.size(); ++i) {
         setColumnHidden(i, !columns[i].visible);
         setColumnWidth(i, columns[i].width);
     }
+    const bool numbers = std::all_of(columns.begin(), columns.end(), IsNumber);
+    if (numbers)
+        horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    else
+        horizontalHeader()->setStretchLastSection(true);
     ShowReadable(this);
     SetVisibleRows(8);
 }
@@ -423,6 +427,14 @@ void TqsMemoryGrid::contextMenuEvent(QContextMenuEvent *event)
     menu.addAction(tr("&Insert Row\tIns"), this, &TqsMemoryGrid::InsertRow);
     menu.addAction(tr("&Delete Row\tDel"), this, &TqsMemoryGrid::DeleteRow)->setEnabled(FocusedRow() >= 0);
     menu.exec(event->globalPos());
+}
+
+void TqsMemoryGrid::changeEvent(QEvent *event)
+{
+    QTableView::changeEvent(event);
+    // A row that cannot be worked on is not marked: it would be the least legible one.
+    if (event->type() == QEvent::EnabledChange && !isEnabled())
+        clearSelection();
 }
 
 void TqsMemoryGrid::focusInEvent(QFocusEvent *event)

@@ -118,6 +118,9 @@ TqsPlot::TScale TqsPlot::YScale() const
             high = std::max(high, point.y());
         }
     }
+    // A line that dips below 0 by a few cents does not deserve half of the plot.
+    if (low > -0.02 * high)
+        low = 0;
     if (high - low < 1e-9)
         high = low + 1;
     const double step = NiceStep(high - low, kTicks);
