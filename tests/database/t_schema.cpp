@@ -407,7 +407,7 @@ void TSchemaSuite::VersionChains()
         }
         CompareChain(master, chain);
         if (QTest::currentTestFailed())
-            qFatal("step %d of seed %u", step, seed);
+            QFAIL(qPrintable(u"in step %1"_s.arg(step)));
     }
 }
 
