@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QScrollBar>
+#include <QThread>
 
 #include <cstdio>
 #include <map>
@@ -309,8 +310,10 @@ public:
 
 private:
     Banks &banks_;
-    unsigned at_ = 1;
-    int turn_ = 0;
+    // Of the whole program: the library starts a benchmark several times, and a value that stands there already is not
+    // written.
+    static inline unsigned at_ = 1;
+    static inline int turn_ = 0;
 };
 
 void BM_Save(benchmark::State &state)
@@ -366,15 +369,29 @@ void BM_SaveRefreshRelocate(benchmark::State &state)
         });
 }
 
-void BM_Count(benchmark::State &state)
+// Reading ahead and counting after a list was opened: all of it, and the longest that a user's key would have to wait.
+void BM_IdleWorkAfterOpening(benchmark::State &state)
 {
-    Banks &banks = Use(int(state.range(0)));
-    SideBySide(
-        state, [&] { MainConnection().Select("select count(*) as n from _ipvBanks"); },
-        [&] {
-            RawStatement count(banks.Raw(), "SELECT count(*) FROM _iptblBanks");
-            count.Read();
-        });
+    Use(int(state.range(0)));
+    List list;
+    double longest = 0;
+    for (auto turn : state) {
+        (void)turn;
+        list.Open();
+        bool known = false;
+        const auto counted = QObject::connect(&list.grid, &TqsGrid::RecordCountChanged,
+                                              [&](qlonglong count) { known = known || count >= 0; });
+        double busy = 0;
+        while (!known) {
+            const double seconds = Seconds([] { QCoreApplication::processEvents(); });
+            busy += seconds;
+            longest = std::max(longest, seconds);
+            QThread::usleep(100); // the pause before counting is not work
+        }
+        QObject::disconnect(counted);
+        state.SetIterationTime(busy);
+    }
+    state.counters["longest_ms"] = longest * 1e3;
 }
 
 double AllocatedMiB()
@@ -464,7 +481,7 @@ BENCHMARK(BM_SortByJoinedColumn) SIZES;
 BENCHMARK(BM_Save) SIZES;
 BENCHMARK(BM_RefreshAndRelocate) SIZES;
 BENCHMARK(BM_SaveRefreshRelocate) SIZES;
-BENCHMARK(BM_Count) SIZES;
+BENCHMARK(BM_IdleWorkAfterOpening) SIZES;
 BENCHMARK(BM_MemoryOfAnOpenList)->Arg(kSmall)->Arg(kMiddle)->Arg(kLarge)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char **argv)
