@@ -22,6 +22,7 @@
 #include <QTabWidget>
 
 #include "framework/Kvglobal.h"
+#include "framework/data/CorvexADOQuery.h"
 #include "host/ActivityLogForm.h"
 #include "host/Agents.h"
 #include "host/HelpDlg.h"
@@ -48,6 +49,18 @@ constexpr TForeignFeature kForeignFeatures[] = {
     {9388, QT_TRANSLATE_NOOP("TfrmMain", "The location group editor")},
     {9413, QT_TRANSLATE_NOOP("TfrmMain", "The export file layout editor")},
 };
+
+// Versions of dated records that came into force since the database was last open.
+void CarryVersions()
+{
+    try {
+        TCorvexADOStoredProc(QStringLiteral("_ipspCarryAllVersions")).kvExecProc(false);
+    } catch (const TDbError &error) {
+        // A database that can only be read is still worth looking at; the next user who may write carries them.
+        if (error.kind != TDbError::Kind::ReadOnly && error.kind != TDbError::Kind::Busy)
+            throw;
+    }
+}
 
 } // namespace
 
@@ -349,6 +362,7 @@ void TfrmMain::BuildStatusBar()
 
 void TfrmMain::ReadInstallation()
 {
+    CarryVersions();
     LoadInstallation();
     navigation_ = BuildNavigation(package_->ObjectEntries(), CountryCode,
                                   [this](uint message) { return package_->CanHandleMessage(message); });
