@@ -288,8 +288,10 @@ struct TqsLookupCombo::Impl
     // Makes the record of an id the current one, reading it when it is not among the rows held.
     void Choose(int id)
     {
-        int row = id == 0 ? -1 : model->RowOf(id);
         changing = true;
+        if (model->Pinned() && model->Pinned()->key != id)
+            model->Unpin();
+        int row = id == 0 ? -1 : model->RowOf(id);
         if (id != 0 && row < 0) {
             TGridRow record{id, {}};
             if (model->IsWindow()) {

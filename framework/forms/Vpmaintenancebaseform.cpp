@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QSaveFile>
+#include <QScopeGuard>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -334,10 +335,11 @@ void TfrmMaintenanceBase::OnCopy()
 void TfrmMaintenanceBase::StartChange(const std::function<void()> &change)
 {
     startedHere_ = true;
+    // A dialog that was cancelled, or could not be opened, leaves no notification behind. One that was sent is delivered
+    // before this, since it was posted first.
+    const auto clear = qScopeGuard(
+        [this] { QMetaObject::invokeMethod(this, [this] { startedHere_ = false; }, Qt::QueuedConnection); });
     change();
-    // A dialog that was cancelled leaves no notification behind. One that was sent is delivered before this, since it was
-    // posted first.
-    QMetaObject::invokeMethod(this, [this] { startedHere_ = false; }, Qt::QueuedConnection);
 }
 
 void TfrmMaintenanceBase::mniMaintAddClick(QObject *)

@@ -195,7 +195,6 @@ private Q_SLOTS:
     void opensWhatItCanHandle();
     void bankListModes_data();
     void bankListModes();
-    void whatIsHandledIsNotDispatched();
     void errorsPassToTheHost();
     void countryDecidesTaxParameters();
 };
@@ -329,16 +328,6 @@ void t_package::bankListModes()
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY2(!screen, "a non-modal screen frees itself");
     }
-}
-
-void t_package::whatIsHandledIsNotDispatched()
-{
-    const TTemplateDatabase database;
-    TMemoryScreenHost host;
-    bool handled = true;
-    ThePackage().NonVisiblePkgMessage(9225, 0, 0, handled);
-    QVERIFY(handled);
-    QVERIFY(host.Screens.isEmpty());
 }
 
 void t_package::errorsPassToTheHost()

@@ -34,6 +34,7 @@ void FailOnWarnings()
 void ShowActive(QWidget &window)
 {
     window.show();
+    window.activateWindow(); // offscreen, a closed dialog does not give the activation back
     if (!QTest::qWaitForWindowActive(&window))
         throw std::runtime_error(("Not active: " + window.objectName()).toStdString());
 }
