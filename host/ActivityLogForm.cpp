@@ -64,12 +64,15 @@ TfrmActivityLog::TfrmActivityLog(QWidget *parent)
     grdActivityLog->SetColumns(columns, QStringLiteral("dWhen"), TGridOrder::Descending);
     connect(grdActivityLog, &TqsGrid::QueryFailed, this, [](const QString &message) { ErrorMessage(message); });
     connect(grdActivityLog, &TqsGrid::RecordCountChanged, this, [this](qlonglong count) {
-        lblRecordCount->setText(count < 0 ? QString() : tr("%n entries", nullptr, int(count)));
+        lblRecordCount->setText(count < 0    ? QString()
+                                : count == 1 ? tr("1 entry")
+                                             : tr("%1 entries").arg(QLocale().toString(count)));
     });
 
     auto *toolbar = new QToolBar(this);
     toolbar->setObjectName(QStringLiteral("tbActivityLog"));
     toolbar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    toolbar->setIconSize({20, 20});
     const auto add = [this, toolbar](const char *name, const char *icon, const QString &caption, QKeySequence keys,
                                      void (TfrmActivityLog::*handler)()) {
         QAction *action = toolbar->addAction(ScreenIcon(QString::fromLatin1(icon)), caption);

@@ -173,6 +173,11 @@ bool TakeTour(TfrmMain &window, const QString &folder)
             photographer.Take(&window);
             const auto *grid = screen->findChild<TqsGrid *>();
             const int key = grid ? grid->FocusedKey() : 0;
+            if (auto *notes = screen->findChild<QAction *>(QStringLiteral("mniNotes"));
+                notes && number == 1 && key != 0) {
+                photographer.SetName(QStringLiteral("95_frmNotes"));
+                notes->trigger();
+            }
             // A list's dialog has the next number.
             const uint dialog = node.message + 1;
             if (window.CanHandleMessage(dialog)) {

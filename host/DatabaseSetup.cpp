@@ -55,6 +55,16 @@ void RemoveDatabaseFiles(const QString &file)
         QFile::remove(file + suffix);
 }
 
+// Creates `building` and, when that fails, speaks of the file that the user asked for.
+std::unique_ptr<TDbConnection> CreateUnder(const QString &building, const QString &path)
+{
+    try {
+        return CreateEmbeddedDatabase(building);
+    } catch (const TDbError &error) {
+        throw TDbError(error.kind, error.number, QString(error.message).replace(building, path), error.statement);
+    }
+}
+
 // A file that opens may still hold something else, or nothing.
 void CheckIsPayroll(TDbConnection &connection)
 {
@@ -93,7 +103,7 @@ void CreateDatabaseFile(const QString &file, bool demonstration, std::optional<q
     RemoveDatabaseFiles(building);
     const auto cleanUp = qScopeGuard([&building] { RemoveDatabaseFiles(building); });
     {
-        const auto connection = CreateEmbeddedDatabase(building);
+        const auto connection = CreateUnder(building, path);
         TDbTransaction transaction(*connection);
         for (int i = 0; i < scripts.size(); ++i) {
             step(i, scripts[i]);

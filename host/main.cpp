@@ -20,6 +20,16 @@ namespace {
 constexpr int kFailed = 1;
 constexpr int kUsage = 2;
 
+// What the toolkit remarks on the offscreen platform and on a missing session says nothing to a user.
+void DropPlatformRemarks(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    static const auto isRemark = [](const QString &line) {
+        return line.contains(QLatin1String("propagateSizeHints")) || line.contains(QLatin1String("XDG_RUNTIME_DIR"));
+    };
+    if (type != QtWarningMsg || !isRemark(text))
+        fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
+}
+
 bool CanAsk(const THostOptions &options)
 {
     return !options.IsBatch() && QGuiApplication::platformName() != QLatin1String("offscreen");
@@ -136,6 +146,8 @@ int main(int argc, char *argv[])
     const bool hasDisplay = !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     if (NeedsOffscreen(words, hasDisplay))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (qgetenv("QT_QPA_PLATFORM") == "offscreen")
+        qInstallMessageHandler(DropPlatformRemarks);
 
     THostApplication application(argc, argv);
     try {
