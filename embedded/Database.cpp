@@ -27,7 +27,9 @@ Database::Database(const QString &file, Access access, int busyTimeoutMs)
             if (code == SQLITE_OK)
                 code = sqlite3_step(statement) == SQLITE_ROW ? SQLITE_OK : sqlite3_extended_errcode(handle_);
             sqlite3_finalize(statement);
-            if ((code & 0xff) == SQLITE_CANTOPEN || code == SQLITE_READONLY_DIRECTORY || code == SQLITE_READONLY_CANTINIT) {
+            const bool noIndex =
+                (code & 0xff) == SQLITE_CANTOPEN || code == SQLITE_READONLY_DIRECTORY || code == SQLITE_READONLY_CANTINIT;
+            if (noIndex && QFileInfo(file + u"-wal"_s).size() == 0) { // what the log holds must not go unread
                 sqlite3_close_v2(std::exchange(handle_, nullptr));
                 const QByteArray path = QUrl::toPercentEncoding(QFileInfo(file).absoluteFilePath(), "/");
                 OpenHandle(u"file:"_s + QString::fromLatin1(path) + u"?immutable=1"_s,

@@ -26,6 +26,7 @@ void Prepare(Database &database)
     sqlite3_db_config(database.Handle(), SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     sqlite3_db_config(database.Handle(), SQLITE_DBCONFIG_DQS_DML, 0, nullptr); // "x" is a name and nothing else
     sqlite3_db_config(database.Handle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_limit(database.Handle(), SQLITE_LIMIT_LENGTH, 64 << 20); // no value of ours comes near it, a mistake might
 }
 
 } // namespace

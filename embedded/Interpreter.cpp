@@ -57,50 +57,13 @@ Variable FromCaller(const QString &name, const QVariant &value)
     }
 }
 
-// A stored value as the caller sees it.
-QVariant ToCaller(const QVariant &value, const Type &type)
-{
-    if (!value.isValid())
-        return value;
-    const bool whole = value.typeId() == QMetaType::LongLong;
-    switch (type.kind) {
-    case Type::Kind::Bit:
-        return whole ? QVariant(value.toLongLong() != 0) : value;
-    case Type::Kind::BigInt:
-        return value;
-    case Type::Kind::Unknown:
-    case Type::Kind::TinyInt:
-    case Type::Kind::SmallInt:
-    case Type::Kind::Int: {
-        const qlonglong number = value.toLongLong();
-        return whole && number == qlonglong(int(number)) ? QVariant(int(number)) : value;
-    }
-    case Type::Kind::Float:
-    case Type::Kind::Money:
-    case Type::Kind::Decimal:
-        return whole ? QVariant(value.toDouble()) : value;
-    case Type::Kind::Text:
-        return value.typeId() == QMetaType::QByteArray ? value : QVariant(value.toString());
-    case Type::Kind::DateTime: {
-        const QDateTime moment = DateFromText(value.toString());
-        return moment.isValid() ? QVariant(moment) : value;
-    }
-    case Type::Kind::Date: {
-        const QDateTime moment = DateFromText(value.toString());
-        return moment.isValid() ? QVariant(moment.date()) : value;
-    }
-    case Type::Kind::Binary:
-        return value.typeId() == QMetaType::QString ? QVariant(value.toString().toUtf8()) : value;
-    }
-    return value;
-}
-
 } // namespace
 
 // A statement that was translated and prepared for variables of certain types.
 struct Interpreter::Compiled {
     StatementHandle handle;
     Translation translation;
+    QStringList names; // of its columns
     QByteArray signature;
     quint64 generation = 0;
     quint64 temporaryGeneration = 0;
@@ -114,8 +77,7 @@ struct CompiledSet {
 
 struct Interpreter::Cursor {
     const SelectStatement *select = nullptr;
-    QList<Column> columns;
-    QList<QVariantList> rows;
+    Selection content;
     qsizetype at = 0;
     bool open = false;
 };
@@ -251,20 +213,13 @@ QString Interpreter::Translate(const QString &batch)
     if (program->statements.size() != 1)
         Refuse(u"More than one statement"_s, {1, 1});
     const Statement &statement = *program->statements.front();
-    Translator translator(
-        catalogue_, [&](const QString &name) { return Lookup(frame, name); }, nullptr);
-    switch (statement.kind) {
-    case Statement::Kind::Select:
-        return translator.Select(static_cast<const SelectStatement &>(statement)).sql;
-    case Statement::Kind::Insert:
-        return translator.Insert(static_cast<const InsertStatement &>(statement)).sql;
-    case Statement::Kind::Update:
-        return translator.Update(static_cast<const UpdateStatement &>(statement)).sql;
-    case Statement::Kind::Delete:
-        return translator.Delete(static_cast<const DeleteStatement &>(statement)).sql;
-    default:
-        Refuse(u"The translation of this statement"_s, statement.place);
+    if (statement.kind == Statement::Kind::Select) {
+        const auto &select = static_cast<const SelectStatement &>(statement);
+        return Compile(frame, &statement, [&](Translator &translator) { return translator.Select(select); }).translation.sql;
     }
+    if (!IsChange(statement))
+        Refuse(u"The translation of this statement"_s, statement.place);
+    return CompileChange(frame, statement).translation.sql;
 }
 
 void Interpreter::ClearTranslations()
@@ -288,7 +243,12 @@ void Interpreter::Commit()
 {
     if (!database_.InTransaction())
         throw Error(Error::Kind::Other, 3902, u"The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."_s);
-    database_.Execute(u"COMMIT"_s); // what fails here leaves the transaction open, or has ended it: AfterError looks
+    try {
+        database_.Execute(u"COMMIT"_s);
+    } catch (const Error &) { // the transaction is still open, or SQLite has rolled it back
+        NoticeRollback();
+        throw;
+    }
     transactions_ = 0;
 }
 
@@ -302,16 +262,22 @@ void Interpreter::Rollback()
     definedInTransaction_ = false;
 }
 
+// SQLite rolls back by itself when the disk is full or fails.
+void Interpreter::NoticeRollback()
+{
+    if (transactions_ > 0 && !database_.InTransaction())
+        Rollback();
+}
+
 void Interpreter::AfterError(int transactionsBefore)
 {
-    if (!database_.InTransaction()) { // SQLite rolls back by itself when the disk is full or fails
-        if (transactions_ > 0)
-            Rollback();
-    } else if (transactionsBefore == 0) {
+    NoticeRollback();
+    if (!database_.InTransaction())
+        return;
+    if (transactionsBefore == 0)
         Rollback(); // nobody is left who knows of it
-    } else {
+    else
         transactions_ = transactionsBefore;
-    }
 }
 
 void Interpreter::RunTransaction(const TransactionStatement &statement)
@@ -431,6 +397,8 @@ Interpreter::Compiled &Interpreter::Compile(Frame &frame, const void *node,
         [&](const QString &name) { return frame.tables.value(name); });
     compiled->translation = translate(translator);
     compiled->handle = database_.Prepare(compiled->translation.sql);
+    for (const Column &column : std::as_const(compiled->translation.columns))
+        compiled->names.append(column.name);
     compiled->signature = sign(compiled->translation.variables);
     compiled->generation = catalogue_.Generation();
     compiled->temporaryGeneration = catalogue_.TemporaryGeneration();
@@ -628,24 +596,67 @@ Interpreter::Flow Interpreter::RunStatement(Frame &frame, const Statement &state
     return Flow::Next;
 }
 
-QList<QVariantList> Interpreter::ReadAll(Frame &frame, const SelectStatement &statement, QList<Column> &columns)
+QVariant Interpreter::ToCaller(const QVariant &value, const Type &type)
+{
+    if (!value.isValid())
+        return value;
+    const bool whole = value.typeId() == QMetaType::LongLong;
+    switch (type.kind) {
+    case Type::Kind::Bit:
+        return whole ? QVariant(value.toLongLong() != 0) : value;
+    case Type::Kind::BigInt:
+        return value;
+    case Type::Kind::Unknown:
+    case Type::Kind::TinyInt:
+    case Type::Kind::SmallInt:
+    case Type::Kind::Int: {
+        const qlonglong number = value.toLongLong();
+        return whole && number == qlonglong(int(number)) ? QVariant(int(number)) : value;
+    }
+    case Type::Kind::Float:
+    case Type::Kind::Money:
+    case Type::Kind::Decimal:
+        return whole ? QVariant(value.toDouble()) : value;
+    case Type::Kind::Text:
+        return whole || value.typeId() == QMetaType::Double ? QVariant(value.toString()) : value;
+    case Type::Kind::DateTime:
+    case Type::Kind::Date: {
+        // Qt asks the system's time zone for every one; a list holds the same dates again and again
+        const QString text = value.toString();
+        auto moment = moments_.constFind(text);
+        if (moment == moments_.constEnd()) {
+            if (moments_.size() > 4000)
+                moments_.clear();
+            moment = moments_.insert(text, DateFromText(text));
+        }
+        if (!moment->isValid())
+            return value;
+        return type.kind == Type::Kind::Date ? QVariant(moment->date()) : QVariant(*moment);
+    }
+    case Type::Kind::Binary:
+        return value.typeId() == QMetaType::QString ? QVariant(value.toString().toUtf8()) : value;
+    }
+    return value;
+}
+
+Interpreter::Selection Interpreter::ReadAll(Frame &frame, const SelectStatement &statement, bool forCaller)
 {
     const Compiled &compiled =
         Compile(frame, &statement, [&](Translator &translator) { return translator.Select(statement); });
     sqlite3_stmt *const handle = compiled.handle.get();
-    columns = compiled.translation.columns;
+    Selection result{compiled.translation.columns, compiled.names, {}};
+    const QList<Column> &columns = result.columns;
     const Running running(handle);
     Bind(frame, compiled);
-    QList<QVariantList> rows;
     const int count = int(columns.size());
     while (database_.Step(handle)) {
         QVariantList row;
         row.reserve(count);
         for (int i = 0; i < count; ++i)
-            row.append(Database::Value(handle, i));
-        rows.append(std::move(row));
+            row.append(forCaller ? ToCaller(Database::Value(handle, i), columns.at(i).type) : Database::Value(handle, i));
+        result.rows.append(std::move(row));
     }
-    return rows;
+    return result;
 }
 
 void Interpreter::RunSelect(Frame &frame, const SelectStatement &statement)
@@ -663,34 +674,35 @@ void Interpreter::RunSelect(Frame &frame, const SelectStatement &statement)
         rowCount_ = 1;
         return;
     }
-    QList<Column> columns;
-    QList<QVariantList> rows = ReadAll(frame, statement, columns);
-    rowCount_ = int(rows.size());
+    Selection selection = ReadAll(frame, statement, !statement.assigns);
+    rowCount_ = int(selection.rows.size());
     if (statement.assigns) {
-        for (qsizetype i = 0; i < columns.size() && !rows.isEmpty(); ++i)
-            frame.variables[columns[i].name].value = rows.last()[i];
-        return;
+        for (qsizetype i = 0; i < selection.names.size() && !selection.rows.isEmpty(); ++i)
+            frame.variables[selection.names.at(i)].value = selection.rows.constLast().at(i);
+    } else if (frame.outcome) {
+        frame.outcome->rows = {std::move(selection.names), std::move(selection.rows)};
+        frame.outcome->hasRows = true;
     }
-    if (!frame.outcome)
-        return;
-    for (QVariantList &row : rows) {
-        for (qsizetype i = 0; i < columns.size(); ++i)
-            row[i] = ToCaller(row[i], columns[i].type);
-    }
-    frame.outcome->rows.columns.clear();
-    for (const Column &column : std::as_const(columns))
-        frame.outcome->rows.columns.append(column.name);
-    frame.outcome->rows.rows = std::move(rows);
-    frame.outcome->hasRows = true;
 }
 
-void Interpreter::RunChange(Frame &frame, const Statement &statement)
+bool Interpreter::IsChange(const Statement &statement)
 {
-    const Compiled &compiled = Compile(frame, &statement, [&](Translator &translator) {
+    return statement.kind == Statement::Kind::Insert || statement.kind == Statement::Kind::Update
+        || statement.kind == Statement::Kind::Delete;
+}
+
+Interpreter::Compiled &Interpreter::CompileChange(Frame &frame, const Statement &statement)
+{
+    return Compile(frame, &statement, [&](Translator &translator) {
         return statement.kind == Statement::Kind::Insert ? translator.Insert(static_cast<const InsertStatement &>(statement))
             : statement.kind == Statement::Kind::Update  ? translator.Update(static_cast<const UpdateStatement &>(statement))
                                                          : translator.Delete(static_cast<const DeleteStatement &>(statement));
     });
+}
+
+void Interpreter::RunChange(Frame &frame, const Statement &statement)
+{
+    const Compiled &compiled = CompileChange(frame, statement);
     const Translation &translation = compiled.translation;
     if (!translation.identityTable.isEmpty()) {
         const bool allowed = identityInsert_.compare(translation.identityTable, Qt::CaseInsensitive) == 0;
@@ -904,8 +916,7 @@ Interpreter::Flow Interpreter::RunTry(Frame &frame, const TryStatement &statemen
         // What the engine does not understand is the programmer's business, not the handler's.
         if (error.kind == Error::Kind::Syntax || error.kind == Error::Kind::Refused)
             throw;
-        if (!database_.InTransaction() && transactions_ > 0)
-            Rollback();
+        NoticeRollback();
         lastError_ = error.number;
         const std::optional<Error> outer = frame.caught;
         frame.caught.emplace(error);
@@ -936,9 +947,7 @@ void Interpreter::RunCursor(Frame &frame, const CursorStatement &statement)
         return;
     }
     if (statement.action == Action::Open) {
-        QList<Column> columns;
-        cursor->rows = ReadAll(frame, *cursor->select, columns);
-        cursor->columns = columns;
+        cursor->content = ReadAll(frame, *cursor->select, false);
         cursor->at = 0;
         cursor->open = true;
         return;
@@ -948,21 +957,21 @@ void Interpreter::RunCursor(Frame &frame, const CursorStatement &statement)
                     statement.place.column, statement.name);
     if (statement.action == Action::Close) {
         cursor->open = false;
-        cursor->rows.clear();
+        cursor->content.rows.clear();
         return;
     }
-    if (statement.into.size() != cursor->columns.size())
+    if (statement.into.size() != cursor->content.columns.size())
         throw Error(Error::Kind::Syntax, 16924,
                     u"The number of variables declared in the INTO list must match that of selected columns."_s,
                     statement.place.line, statement.place.column, statement.name);
-    if (cursor->at >= cursor->rows.size()) {
+    if (cursor->at >= cursor->content.rows.size()) {
         fetchStatus_ = -1;
         return;
     }
     fetchStatus_ = 0;
-    const QVariantList row = cursor->rows[cursor->at++];
+    const QVariantList row = cursor->content.rows[cursor->at++];
     for (qsizetype i = 0; i < row.size(); ++i)
-        Assign(frame, statement.into[i], {cursor->columns[i].type, row[i]});
+        Assign(frame, statement.into[i], {cursor->content.columns[i].type, row[i]});
 }
 
 // ---- definitions

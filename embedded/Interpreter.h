@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QCache>
+#include <QDateTime>
 
 #include "embedded/Catalogue.h"
 #include "embedded/Translator.h"
@@ -31,6 +32,11 @@ private:
     struct Cursor;
     struct Frame;
     struct Compiled;
+    struct Selection {
+        QList<Column> columns;
+        QStringList names;
+        QList<QVariantList> rows;
+    };
     friend struct CompiledSet;
 
     std::shared_ptr<Program> ParseCached(const QString &batch, bool keep);
@@ -40,11 +46,15 @@ private:
 
     QVariant Evaluate(Frame &frame, const Expr &expr, const Type &target);
     bool Holds(Frame &frame, const Expr &expr);
-    QList<QVariantList> ReadAll(Frame &frame, const SelectStatement &statement, QList<Column> &columns);
+    Selection ReadAll(Frame &frame, const SelectStatement &statement, bool forCaller);
+    // A stored value as the caller sees it.
+    QVariant ToCaller(const QVariant &value, const Type &type);
 
     Flow RunList(Frame &frame, const StatementList &list);
     Flow RunStatement(Frame &frame, const Statement &statement);
     void RunSelect(Frame &frame, const SelectStatement &statement);
+    static bool IsChange(const Statement &statement);
+    Compiled &CompileChange(Frame &frame, const Statement &statement);
     void RunChange(Frame &frame, const Statement &statement);
     void RunDeclare(Frame &frame, const DeclareStatement &statement);
     void RunExec(Frame &frame, const ExecStatement &statement);
@@ -69,6 +79,7 @@ private:
     void Assign(Frame &frame, const QString &name, const Variable &value);
     QVariant Adopt(const Variable &value, const Type &target);
     void LeaveFrame(Frame &frame);
+    void NoticeRollback();
     void AfterError(int transactionsBefore);
 
     Database &database_;
@@ -83,6 +94,7 @@ private:
     QVariant lastIdentity_;
     QString identityInsert_; // the table that SET IDENTITY_INSERT names
     Variable scratch_;
+    QHash<QString, QDateTime> moments_; // stored text and what it means
 };
 
 } // namespace embedded

@@ -206,6 +206,7 @@ struct Translator::Worker {
     const Lookup variables;
     const TableLookup tables;
     const bool definition; // SQLite's own functions only, no variables
+    bool constant = false; // a check: SQLite wants the same answer every time
     Translation result;
     Scope *scope = nullptr;
     Expansion *expansion = nullptr;
@@ -470,7 +471,7 @@ struct Translator::Worker {
         Fragment fragment = Atom(qualifier + QuoteName(column.name), column.type);
         fragment.trimmed = column.trimmed;
         fragment.noCase = column.noCase;
-        if (owner.inAggregate == 0 && (owner.clause == Clause::Items || owner.clause == Clause::OrderBy))
+        if (owner.inAggregate == 0 && !owner.groups.contains(fragment.sql) && (owner.clause == Clause::Items || owner.clause == Clause::OrderBy))
             owner.ungrouped.append({column.name, place});
         return fragment;
     }
@@ -495,8 +496,11 @@ struct Translator::Worker {
                     break;
                 }
             }
-            if (found)
+            if (found) {
+                if (at != scope && scope->inAggregate > 0) // it would be an aggregate of the outer query
+                    Refuse(u"An outer query's column in an aggregate"_s, expr.place);
                 return ColumnReference(*at, *found, *column, expr.place);
+            }
             if (qualifierKnown)
                 Unknown(207, u"Invalid column name '%1'."_s.arg(expr.text), expr.place, expr.text);
         }
@@ -728,8 +732,10 @@ struct Translator::Worker {
         }
         if (left.type.kind == Type::Kind::Binary || right.type.kind == Type::Kind::Binary)
             return false;
-        left = Trimmed(left);
-        right = Trimmed(right);
+        if (left.type.IsText() || right.type.IsText()) {
+            left = Trimmed(left);
+            right = Trimmed(right);
+        }
         return !left.noCase && !right.noCase;
     }
 
@@ -760,7 +766,9 @@ struct Translator::Worker {
     Fragment Like(const Expr &expr)
     {
         const Fragment text = AsText(Translate(*expr.args[0]), 121, expr.place);
-        const Fragment pattern = AsText(Translate(*expr.args[1]), 121, expr.place);
+        Fragment pattern = Translate(*expr.args[1]);
+        if (!pattern.type.IsUnknown())
+            pattern = AsText(pattern, 121, expr.place);
         QString escape;
         if (expr.args.size() > 2) {
             const Fragment mark = Translate(*expr.args[2]);
@@ -1120,8 +1128,12 @@ struct Translator::Worker {
                     number.type);
     }
 
-    static Fragment GetDate() { return Atom(StoredDate(u"'now', 'localtime'"_s), Type::Kind::DateTime); }
-    Fragment GetDate(const Expr &) { return GetDate(); }
+    Fragment GetDate(const Expr &expr)
+    {
+        if (constant)
+            RefuseInDefinition(u"GETDATE()"_s, expr.place);
+        return Atom(StoredDate(u"'now', 'localtime'"_s), Type::Kind::DateTime);
+    }
 
     enum class Unit { Year, Quarter, Month, Week, Day, Hour, Minute, Second, WeekDay, DayOfYear };
     static Unit DateUnit(const Expr &expr)
@@ -1520,6 +1532,9 @@ struct Translator::Worker {
 
     Core TranslateCore(const SelectCore &core, Use use)
     {
+        if (scope && scope->inAggregate > 0)
+            throw Error(Error::Kind::Syntax, 130,
+                        u"Cannot perform an aggregate function on an expression containing an aggregate or a subquery."_s, 0, 0);
         Core text;
         text.scope->outer = scope;
         scope = text.scope.get();
@@ -1554,7 +1569,7 @@ struct Translator::Worker {
             if (count.literal && count.literal->toLongLong() < 0)
                 SyntaxError(core.top->text, core.top->place);
             // a negative LIMIT would be none at all
-            text.limit = count.literal ? count.sql : u"max(%1, 0)"_s.arg(count.sql);
+            text.limit = count.literal ? count.sql : u"max(ifnull(%1, 0), 0)"_s.arg(count.sql);
         }
         scope = text.scope->outer;
         return text;
@@ -1581,8 +1596,6 @@ struct Translator::Worker {
             for (const Column &column : source.columns) {
                 text.items.append(ColumnReference(*scope, source, column, item.place));
                 text.names.append(column.name);
-                if (scope->groups.contains(text.items.last().sql))
-                    scope->ungrouped.removeLast();
             }
         }
         if (!found && !item.alias.isEmpty())
@@ -2122,8 +2135,10 @@ public:
             break;
         case TableConstraint::Kind::Check: {
             worker_.scope = &scope_;
+            worker_.constant = true;
             text = u"CHECK (%1)"_s.arg(worker_.Translate(*constraint.check).sql);
             worker_.scope = nullptr;
+            worker_.constant = false;
             break;
         }
         case TableConstraint::Kind::ForeignKey:
