@@ -667,7 +667,7 @@ void TCorvexADOQuery::CheckUnchanged() const
     if (!impl_->Editing())
         Misused(QStringLiteral("No record of %1 is being edited.").arg(impl_->tableName));
     if (impl_->state == Impl::State::Edit)
-        impl_->Compared(MainConnection(), false);
+        impl_->Compared(MainConnection(), !impl_->Modified());
 }
 
 void TCorvexADOQuery::Cancel()

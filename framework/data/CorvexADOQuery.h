@@ -178,8 +178,8 @@ public:
     // Post with the error shown to the user in a box: true when written. Without `showError` it is thrown.
     // TRecordConflict passes in any case.
     bool brPost(bool showError = true);
-    // Throws TRecordConflict when the row of the record being edited is no longer as it was read (nothing for a new record). For
-    // records that are written in another way than by Post.
+    // Throws TRecordConflict as Post does, and writes nothing (nothing happens for a new record). For records that are written in
+    // another way than by Post.
     void CheckUnchanged() const;
     // Drops pending changes.
     void Cancel();

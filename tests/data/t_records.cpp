@@ -485,6 +485,7 @@ void TRecordsTest::deletedByAnother()
 void TRecordsTest::raceWithinTheSave()
 {
     const int id = Bank();
+    Do("update dbo.qprBanks set cBankName = null");
     TqryTestBanks banks;
     banks.SelectRecords("idBank", id, false);
     for (const char *theirs : {"update dbo.qprBanks set cBankName = 'Theirs'", "update dbo.qprBanks set fRate = null",
