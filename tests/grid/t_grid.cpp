@@ -166,6 +166,19 @@ private Q_SLOTS:
         }
         db->RunScript(script, "tables");
         TDbTransaction transaction(*db);
+        // Ties and NULLs in every column but the key.
+        for (int i = 0; i < 2600; ++i) {
+            const auto orNull = [i](int every, const QVariant &value) { return i % every ? value : QVariant(); };
+            db->Execute("insert dbo.Items (cCode, cName, iGroup, fAmount, bActive, dDay, idNotes) "
+                        "values (:code, :name, :grp, :amount, :active, :day, :notes)",
+                        {{"code", orNull(13, QStringLiteral("C%1").arg((i * 7919) % 1301, 4, 10, QLatin1Char('0')))},
+                         {"name", QStringLiteral("Name %1").arg(i % 3)},
+                         {"grp", orNull(2, i % 5)},
+                         {"amount", orNull(3, ((i * 31) % 97) / 4.0 - 5)},
+                         {"active", i % 2 == 0},
+                         {"day", orNull(4, QDate(2026, 1, 1).addDays(i % 11).startOfDay())},
+                         {"notes", i % 4 == 1 ? QVariant(i) : QVariant()}});
+        }
         for (int i = 0; i < 1000; ++i)
             db->Execute("insert dbo.Many (cCode, cName, iGroup) values (:code, :name, :grp)",
                         {{"code", QStringLiteral("M%1").arg(i, 6, 10, QLatin1Char('0'))},
@@ -182,21 +195,7 @@ private Q_SLOTS:
     {
         db->failing = false;
         TDbTransaction transaction(*db);
-        db->Execute("delete from dbo.Items", {});
         db->Execute("delete from dbo.Few", {});
-        // Ties and NULLs in every column but the key.
-        for (int i = 0; i < 2600; ++i) {
-            const auto orNull = [i](int every, const QVariant &value) { return i % every ? value : QVariant(); };
-            db->Execute("insert dbo.Items (cCode, cName, iGroup, fAmount, bActive, dDay, idNotes) "
-                        "values (:code, :name, :grp, :amount, :active, :day, :notes)",
-                        {{"code", orNull(13, QStringLiteral("C%1").arg((i * 7919) % 1301, 4, 10, QLatin1Char('0')))},
-                         {"name", QStringLiteral("Name %1").arg(i % 3)},
-                         {"grp", orNull(2, i % 5)},
-                         {"amount", orNull(3, ((i * 31) % 97) / 4.0 - 5)},
-                         {"active", i % 2 == 0},
-                         {"day", orNull(4, QDate(2026, 1, 1).addDays(i % 11).startOfDay())},
-                         {"notes", i % 4 == 1 ? QVariant(i) : QVariant()}});
-        }
         const struct
         {
             const char *code, *name;
