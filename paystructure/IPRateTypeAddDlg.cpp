@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "paystructure/IPRateTypeAddDlg.h"
 
+#include <QAction>
+
 #include "framework/Ipglobal.h"
 #include "framework/Kvglobal.h"
+#include "framework/Screens.h"
 #include "framework/effectivedate/DateEffectiveDlg.h"
 #include "paystructure/RateTypeRules.h"
 #include "records/IPRateTypes.h"
@@ -40,10 +43,10 @@ public:
                        .Text(edtAwardName, "edtAwardName", "Award Name", 50)
                        .Box();
         pnlAward->setObjectName("pnlAward");
-        for (QLineEdit *edit : {edtAwardCode, edtAwardName}) {
+        for (QLineEdit *edit : {edtAwardCode, edtAwardName})
             edit->setReadOnly(true);
+        for (QLineEdit *edit : {edtCode, edtDescription, edtAwardCode, edtAwardName})
             ShowReadable(edit);
-        }
         connect(rgpType, &TqsRadioGroup::ValueChanged, this, &TfrmIPRateTypeAddDlg::RateTypeChanged);
         connect(edtCode, &QLineEdit::textChanged, this, &TfrmIPRateTypeAddDlg::CheckCodeCharacters);
     }
@@ -120,7 +123,7 @@ protected:
             qryVersion.SetRate(lOldRate);
         if (rgpType->Value() == FormulaRate)
             qryVersion.SetRate(0);
-        else
+        else if (qryVersion.GetFormulaID() != 0)
             qryVersion.FormulaID.SetNull();
     }
 
@@ -164,12 +167,12 @@ private:
 
     void CheckCodeCharacters()
     {
-        const bool valid = NoApostrophe(edtCode);
-        QPalette palette;
-        if (!valid)
-            palette.setColor(QPalette::Text, QColor(0xd0, 0x3a, 0x3a));
-        edtCode->setPalette(palette);
-        edtCode->setToolTip(valid ? QString() : "An apostrophe cannot stand in a code.");
+        if (!mniCodeInvalid_) {
+            mniCodeInvalid_ = edtCode->addAction(ScreenIcon("alert"), QLineEdit::TrailingPosition);
+            mniCodeInvalid_->setObjectName("mniCodeInvalid");
+            mniCodeInvalid_->setToolTip("An apostrophe cannot stand in a code.");
+        }
+        mniCodeInvalid_->setVisible(!NoApostrophe(edtCode));
     }
 
     void CheckRequiredFields(TChecks &check) const
@@ -216,6 +219,7 @@ private:
     double lOldRate = 0;
     double shownRate_ = 0; // lOldRate as the rate field shows it
     QLineEdit *edtCode = nullptr;
+    QAction *mniCodeInvalid_ = nullptr; // the sign in the code's box
     QLineEdit *edtDescription = nullptr;
     TqsRadioGroup *rgpType = nullptr;
     TqsNumberEdit *edtFixedRate = nullptr;

@@ -48,7 +48,9 @@ QList<TGridColumn> RateTypeColumns(bool awards)
     using Kind = TGridColumn::Kind;
     QList<QPair<QVariant, QString>> groupings = Entries(TRateGroupingString());
     groupings.append({QVariant(), TRateGroupingString().first()});
-    const auto endDate = [](const QVariant &date) { return EndDateText(date.toDate()); };
+    QList<QPair<QVariant, QString>> openEnds{{QVariant(), EndDateText({})}};
+    for (QDate day(1899, 12, 30); !IsDateSet(day); day = day.addDays(1))
+        openEnds.append({day.startOfDay(), EndDateText(day)});
     return {
         {"idRateType", "Rate Type ID", Kind::Integer, 90, false},
         {"cCode", "Code", Kind::Text, 100},
@@ -58,7 +60,7 @@ QList<TGridColumn> RateTypeColumns(bool awards)
         {"FormulaCode", "Formula Code", Kind::Text, 110},
         {"FormulaDesc", "Formula Name", Kind::Text, 200, false},
         {"dEffectiveDate", "Effective Date", Kind::Date, 110},
-        {"dEndDate", "End Date", Kind::Date, 120, true, true, 0, endDate},
+        {"dEndDate", "End Date", Kind::Date, 120, true, true, 0, {}, openEnds},
         {"cChangeReason", "Change Reason", Kind::Text, 150},
         {"bSystem", "System", Kind::Bool, 70, false},
         {"iGrouping", "Grouping", Kind::Integer, 90, true, true, 0, {}, groupings},

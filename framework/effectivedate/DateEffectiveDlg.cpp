@@ -89,7 +89,7 @@ void TfrmDateEffectiveDlg::WriteMaster()
 
 QString TfrmDateEffectiveDlg::SavedCode() const
 {
-    const TColumnBase *code = master_.FindColumn(u"cCode");
+    const TColumnBase *code = query_.FindColumn(u"cCode"); // which is being edited
     return code ? code->Variant().toString().trimmed() : QString();
 }
 
@@ -124,12 +124,15 @@ bool TfrmDateEffectiveDlg::SaveRecord()
     for (;;) {
         try {
             TDbTransaction transaction(MainConnection());
+            version = RecordID();
             if (Editing())
                 query_.CheckUnchanged();
-            WriteMaster();
-            SaveChildren();
-            version = RecordID();
-            result = WriteVersion(version, message);
+            // An edit that changed nothing leaves no trace on the version.
+            if (!Editing() || query_.IsModified() || ChildrenModified()) {
+                WriteMaster();
+                SaveChildren();
+                result = WriteVersion(version, message);
+            }
             if (facts_.logKind && result != Refused)
                 LogActivity(QString::fromUtf8(facts_.logKind), SavedCode(),
                             Adding() ? QStringLiteral("Added") : QStringLiteral("Changed"));

@@ -41,6 +41,8 @@ protected:
     void FormShow() override;
     // The check of the effective date, for the end of the descendant's checks: not asked of a new record.
     void CheckDates(TChecks &check) const;
+    // Whether rows saved by SaveChildren differ from what was loaded.
+    virtual bool ChildrenModified() const { return false; }
     bool SaveRecord() override;
     QString NotesTable() const override { return QString::fromLatin1(dated_.masterTable).toUpper(); }
     int NotesID() const override { return Adding() ? 0 : masterID_; }

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "framework/effectivedate/DateEffectiveMaintenance.h"
 
+#include <QBoxLayout>
 #include <QCheckBox>
+#include <QHash>
+#include <QLineEdit>
 #include <QLoggingCategory>
-#include <QTimer>
-#include <QVBoxLayout>
 
 #include "framework/Screens.h"
 
@@ -77,11 +78,18 @@ TfrmDateEffectiveMaintenance::TfrmDateEffectiveMaintenance(const TMaintenanceFac
     tbMaintenance->insertAction(mniFirstExtra, mniNewEffectiveDate);
     tbMaintenance->insertAction(mniFirstExtra, mniTimeline);
 
-    chkShowPastValues = new QCheckBox(QStringLiteral("Show Past Values"), tbMaintenance);
+    // In the header band, since a toolbar that is too narrow would hide it.
+    chkShowPastValues = new QCheckBox(QStringLiteral("Show Past Values"), fhMaintenance);
     chkShowPastValues->setObjectName(QStringLiteral("chkShowPastValues"));
     connect(chkShowPastValues, &QCheckBox::toggled, this, &TfrmDateEffectiveMaintenance::OnShowPastValues);
-    tbMaintenance->addSeparator();
-    tbMaintenance->addWidget(chkShowPastValues);
+    auto *header = qobject_cast<QBoxLayout *>(fhMaintenance->layout());
+    header->removeWidget(lblSubHeader);
+    auto *row = new QHBoxLayout;
+    row->addWidget(lblSubHeader);
+    row->addStretch();
+    row->addWidget(chkShowPastValues);
+    header->addLayout(row);
+    setTabOrder(chkShowPastValues, edtSearch);
 
     auto *below = new QVBoxLayout(pnlBelowGrid);
     below->setContentsMargins(0, 0, 0, 0);

@@ -60,7 +60,24 @@ QString By(const QString &agent, const QDate &day)
 constexpr int kMargin = 12;
 constexpr int kBlockHeight = 30;
 constexpr int kDeletedHeight = 14;
+constexpr int kTableHeight = 130;
 constexpr int kLeastWidth = 26; // so that a version of a few days can still be hit
+
+// A line of text that ends in "…" where there is no room for all of it.
+class TElidedLabel final : public QLabel
+{
+public:
+    using QLabel::QLabel;
+    QSize minimumSizeHint() const override { return {0, QLabel::minimumSizeHint().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, foregroundRole()));
+        painter.drawText(rect(), Qt::AlignVCenter, fontMetrics().elidedText(text(), Qt::ElideRight, width()));
+    }
+};
 
 } // namespace
 
@@ -100,7 +117,7 @@ public:
     QSize sizeHint() const override
     {
         return {400,
-                kMargin / 2 + kBlockHeight + (HasDeleted() ? kDeletedHeight + 4 : 0) + fontMetrics().height() + 10};
+                kMargin / 2 + kBlockHeight + (HasDeleted() ? kDeletedHeight + 4 : 4) + fontMetrics().height() + 10};
     }
     QSize minimumSizeHint() const override { return {200, sizeHint().height()}; }
 
@@ -340,8 +357,9 @@ private:
     }
 
     // The days on which versions begin, as many as there is room for.
-    void DrawDates(QPainter &painter) const
+    void DrawDates(QPainter &painter)
     {
+        dates_.clear();
         painter.setPen(Mixed(QPalette::WindowText, QPalette::Window, 0.75));
         const double top = height() - fontMetrics().height() - 3;
         double taken = -1;
@@ -357,6 +375,7 @@ private:
             if (key < taken)
                 continue;
             painter.drawText(QPointF(left, top + fontMetrics().ascent()), text);
+            dates_.append(QRectF(left, top, width, 1));
             taken = key + width + 8;
         }
     }
@@ -366,14 +385,27 @@ private:
         double x = Place(today_);
         if (!isLeftToRight())
             x = width() - x;
-        painter.setPen(QPen(palette().color(QPalette::WindowText), 1.5, Qt::DotLine));
-        painter.drawLine(QPointF(x, 1), QPointF(x, height() - fontMetrics().height() - 4));
+        const double top = kMargin / 2 + kBlockHeight + 1;
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(palette().color(QPalette::WindowText));
+        painter.drawPolygon(QPolygonF({{x, top}, {x - 5, top + 7}, {x + 5, top + 7}}));
+        const QString text = TVersionTimeline::tr("Today");
+        const double width = fontMetrics().horizontalAdvance(text);
+        const double left = std::clamp(x - width / 2, 0.0, std::max(0.0, this->width() - width));
+        const bool room = std::none_of(dates_.begin(), dates_.end(), [left, width](const QRectF &date) {
+            return date.left() < left + width + 6 && left - 6 < date.right();
+        });
+        if (!room)
+            return;
+        painter.setPen(palette().color(QPalette::WindowText));
+        painter.drawText(QPointF(left, height() - 3 - fontMetrics().descent()), text);
     }
 
     QList<TTimelineVersion> versions_;
     QList<QDate> days_;
     QList<double> places_;
     QList<QRectF> blocks_;
+    QList<QRectF> dates_; // where they were drawn
     QDate today_ = QDate::currentDate();
     int version_ = 0;
 };
@@ -381,7 +413,7 @@ private:
 TVersionTimeline::TVersionTimeline(QWidget *parent)
     : QWidget(parent)
     , lblTimeline(new QLabel(this))
-    , lblVersionDetail(new QLabel(this))
+    , lblVersionDetail(new TElidedLabel(this))
     , chkShowDeleted(new QCheckBox(tr("Show deleted"), this))
     , btnTimelineTable(new QToolButton(this))
     , stack_(new QStackedWidget(this))
@@ -414,7 +446,6 @@ TVersionTimeline::TVersionTimeline(QWidget *parent)
     grdVersions->setAlternatingRowColors(true);
     grdVersions->verticalHeader()->hide();
     grdVersions->horizontalHeader()->setStretchLastSection(true);
-    grdVersions->setMinimumHeight(110);
 
     auto *head = new QHBoxLayout;
     head->addWidget(lblTimeline);
@@ -436,6 +467,7 @@ TVersionTimeline::TVersionTimeline(QWidget *parent)
     connect(btnTimelineTable, &QToolButton::toggled, this, [this](bool table) {
         stack_->setCurrentIndex(table ? 1 : 0);
         // The hidden page must not keep the panel as high as the table.
+        grdVersions->setFixedHeight(table ? kTableHeight : 0);
         strip_->setSizePolicy(QSizePolicy::Preferred, table ? QSizePolicy::Ignored : QSizePolicy::Preferred);
         grdVersions->setSizePolicy(QSizePolicy::Preferred, table ? QSizePolicy::Preferred : QSizePolicy::Ignored);
         ShowVersions();
