@@ -169,6 +169,8 @@ bool TakeTour(TfrmMain &window, const QString &folder)
             photographer.AddProblem(QStringLiteral("message %1 was not handled").arg(node.message));
         const QPointer<QWidget> screen = window.CurrentScreen();
         if (screen) {
+            if (screen->objectName() != node.className)
+                photographer.AddProblem(QStringLiteral("%1 opened instead").arg(screen->objectName()));
             Settle(screen);
             photographer.Take(&window);
             const auto *grid = screen->findChild<TqsGrid *>();

@@ -50,6 +50,13 @@ constexpr TForeignFeature kForeignFeatures[] = {
     {9413, QT_TRANSLATE_NOOP("TfrmMain", "The export file layout editor")},
 };
 
+// Gives the focus back to the control of a screen that had it, or that the screen chose while it was shown.
+void FocusInside(QWidget *screen)
+{
+    QWidget *inside = screen->focusWidget();
+    (inside ? inside : screen)->setFocus(Qt::OtherFocusReason);
+}
+
 // Versions of dated records that came into force since the database was last open.
 void CarryVersions()
 {
@@ -84,6 +91,7 @@ TfrmMain::TfrmMain(std::unique_ptr<TCorvexPackageInterface> package, QString scr
     stack_->addWidget(lblWelcome);
     stack_->addWidget(tabScreens);
     tabScreens->setObjectName(QStringLiteral("tabScreens"));
+    tabScreens->setAccessibleName(tr("Open screens"));
     tabScreens->setTabsClosable(true);
     tabScreens->setMovable(true);
     tabScreens->setDocumentMode(true);
@@ -165,13 +173,13 @@ void TfrmMain::ShowScreen(QWidget *screen)
         tabScreens->setTabText(tabScreens->indexOf(screen), title(text));
     });
     connect(screen, &QObject::destroyed, this, [this](QObject *gone) {
-        openedBy_.remove(static_cast<QWidget *>(gone));
+        openedBy_.remove(gone);
         QMetaObject::invokeMethod(this, &TfrmMain::UpdateTabs, Qt::QueuedConnection);
     });
     tabScreens->setCurrentIndex(index);
     UpdateTabs();
     screen->show();
-    screen->setFocus(Qt::OtherFocusReason);
+    FocusInside(screen);
 }
 
 QVariantMap TfrmMain::LoadLayout(const QString &name)
@@ -382,7 +390,7 @@ void TfrmMain::OpenFromTree(uint message)
     for (int i = 0; i < tabScreens->count(); ++i) {
         if (openedBy_.value(tabScreens->widget(i)) == message) {
             tabScreens->setCurrentIndex(i);
-            tabScreens->widget(i)->setFocus(Qt::OtherFocusReason);
+            FocusInside(tabScreens->widget(i));
             return;
         }
     }
@@ -413,7 +421,7 @@ void TfrmMain::StepTab(int by)
     if (count == 0)
         return;
     tabScreens->setCurrentIndex((tabScreens->currentIndex() + by + count) % count);
-    tabScreens->currentWidget()->setFocus(Qt::OtherFocusReason);
+    FocusInside(tabScreens->currentWidget());
 }
 
 void TfrmMain::UpdateTabs()

@@ -70,8 +70,8 @@ private:
     std::unique_ptr<TCorvexPackageInterface> package_;
     const QString scriptsFolder_;
     QList<TNavigationNode> navigation_;
-    uint sending_ = 0; // the message whose screen is being opened
-    QHash<QWidget *, uint> openedBy_;
+    uint sending_ = 0;                      // the message whose screen is being opened
+    QHash<const QObject *, uint> openedBy_; // screens, and the message that opened them
 
     QSplitter *splitter_;
     TNavigationTree *pnlNavigation;

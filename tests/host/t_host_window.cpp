@@ -23,6 +23,28 @@ const TClassRef kBanks{"TfrmIPBankMaintenance", nullptr};
 const TClassRef kMedicare{"TfrmMedicareScalesMaint", nullptr};
 const TClassRef kSuperFunds{"TfrmIPSuperFundMaintenance", nullptr};
 
+// Chooses its focus when it is first shown, as list screens do.
+class TTestScreen final : public QWidget
+{
+public:
+    TTestScreen()
+    {
+        setAttribute(Qt::WA_DeleteOnClose);
+        setWindowTitle(QStringLiteral("Banks & Branches"));
+        grid_->setObjectName(QStringLiteral("grdInside"));
+    }
+    void showEvent(QShowEvent *) override
+    {
+        if (!shown_)
+            grid_->setFocus();
+        shown_ = true;
+    }
+
+private:
+    QLineEdit *grid_ = new QLineEdit(this);
+    bool shown_ = false;
+};
+
 // A package whose only list is an empty tab.
 class TTestPackage final : public TCorvexPackageInterface
 {
@@ -42,10 +64,7 @@ public:
         if (MsgId != kOpens)
             return;
         lastParams = {Param1, Param2};
-        auto *screen = new QWidget;
-        screen->setAttribute(Qt::WA_DeleteOnClose);
-        screen->setWindowTitle(QStringLiteral("Banks & Branches"));
-        ScreenHost()->ShowScreen(screen);
+        ScreenHost()->ShowScreen(new TTestScreen);
         Handled = true;
     }
     QPair<qlonglong, qlonglong> lastParams;
@@ -146,12 +165,14 @@ void THostWindowTest::TheTreeOpensAndFocusesTabs()
     QTest::keyClick(tree, Qt::Key_Return);
     QCOMPARE(tabs->count(), 1);
     QCOMPARE(tabs->tabText(0), QStringLiteral("Banks && Branches"));
+    QCOMPARE(FocusName(*window_), QStringLiteral("grdInside"));
     window_->OpenActivityLog();
     QCOMPARE(tabs->count(), 2);
     // Picked again: the open one comes to the front. Sent again: another one opens.
     QTest::keyClick(tree, Qt::Key_Return);
     QCOMPARE(tabs->count(), 2);
     QCOMPARE(tabs->currentIndex(), 0);
+    QCOMPARE(FocusName(*window_), QStringLiteral("grdInside"));
     QVERIFY(window_->SendPackageMessage(kOpens, 0, 0));
     QCOMPARE(tabs->count(), 3);
     QTest::keyClick(window_.get(), Qt::Key_W, Qt::ControlModifier);
