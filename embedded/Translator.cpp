@@ -328,7 +328,7 @@ struct Translator::Worker {
         const bool scaled = type.kind == Type::Kind::Decimal || type.kind == Type::Kind::Money;
         if (purpose != Purpose::Compare && scaled && !(wasFloat && number.type.kind == type.kind && number.type.scale <= type.scale)
             && !number.type.IsInteger())
-            number = Atom(u"round(%1, %2)"_s.arg(number.sql).arg(type.scale), type);
+            number = Atom(u"round(%1, %2)"_s.arg(number.sql, QString::number(type.scale)), type);
         else if (purpose == Purpose::Explicit && !wasFloat)
             number = Atom(u"CAST(%1 AS REAL)"_s.arg(number.sql), type);
         else
@@ -348,7 +348,7 @@ struct Translator::Worker {
             if (text.literal)
                 text = TextLiteral(text.literal->toString().left(type.length));
             else
-                text = Atom(u"substr(%1, 1, %2)"_s.arg(text.sql).arg(type.length), Type::Kind::Text);
+                text = Atom(u"substr(%1, 1, %2)"_s.arg(text.sql, QString::number(type.length)), Type::Kind::Text);
         }
         const Type kept = text.type;
         text.type = type;
@@ -432,7 +432,7 @@ struct Translator::Worker {
         }
         if (definition)
             RefuseInDefinition(u"A conversion from text to date"_s, place);
-        const QString date = style > 0 ? u"cx_date(%1, %2)"_s.arg(value.sql).arg(style) : u"cx_date(%1)"_s.arg(value.sql);
+        const QString date = style > 0 ? u"cx_date(%1, %2)"_s.arg(value.sql, QString::number(style)) : u"cx_date(%1)"_s.arg(value.sql);
         return Atom(type.kind == Type::Kind::Date ? u"substr(%1, 1, 10)"_s.arg(date) : date, type);
     }
 
@@ -1090,8 +1090,8 @@ struct Translator::Worker {
         const bool space = expr.args.size() == 1;
         const QString text = space ? u"' '"_s : TextArgument(expr, 0).sql;
         const QString count = IntegerArgument(expr, space ? 0 : 1).sql;
-        // zeros enough, each replaced by the text
-        return Atom(u"replace(format('%0*d', %1, 0), '0', CASE WHEN %1 > 0 THEN %2 ELSE '' END)"_s.arg(count, text),
+        // as many zero bytes in hexadecimal, each replaced by the text
+        return Atom(u"replace(hex(zeroblob(%1)), '00', %2)"_s.arg(count, text),
                     Type::Kind::Text);
     }
 
@@ -1111,7 +1111,7 @@ struct Translator::Worker {
         }
         const int places = int(qBound(qlonglong(-15), digits.literal->toLongLong(), qlonglong(15)));
         if (places >= 0)
-            return number.type.IsInteger() ? number : Atom(u"round(%1, %2)"_s.arg(number.sql).arg(places), number.type);
+            return number.type.IsInteger() ? number : Atom(u"round(%1, %2)"_s.arg(number.sql, QString::number(places)), number.type);
         const QString unit = u'1' + QString(-places, u'0');
         const QString rounded = u"round(%1 / %2.0) * %2"_s.arg(Wrap(number, kProduct), unit);
         return Atom(number.type.IsInteger() ? u"CAST(%1 AS INTEGER)"_s.arg(rounded) : u'(' + rounded + u')', number.type);
@@ -1217,9 +1217,8 @@ struct Translator::Worker {
             form = u"CAST(julianday(date(%1)) + 0.5 AS INTEGER)"_s;
             break;
         }
-        QString first = form;
-        QString second = form;
-        Fragment fragment = Atom(second.replace("%1"_L1, to) + " - "_L1 + first.replace("%1"_L1, from), Type::Kind::Int);
+        const QString last = form.arg(to);
+        Fragment fragment = Atom(last + " - "_L1 + form.arg(from), Type::Kind::Int);
         fragment.precedence = kSum;
         return fragment;
     }
@@ -1438,7 +1437,7 @@ struct Translator::Worker {
 
     QString SqlAlias(const QString &alias) const
     {
-        return expansion ? u"%1~%2"_s.arg(alias).arg(expansion->serial) : alias;
+        return expansion ? u"%1~%2"_s.arg(alias, QString::number(expansion->serial)) : alias;
     }
 
     const Table &ResolveTable(const QString &name, Place place)
@@ -2139,6 +2138,8 @@ public:
             text = u"CHECK (%1)"_s.arg(worker_.Translate(*constraint.check).sql);
             worker_.scope = nullptr;
             worker_.constant = false;
+            if (constraint.name.isEmpty()) // SQLite would give it the name of the constraint before
+                return NamedConstraint("CK_"_L1 + table_, text);
             break;
         }
         case TableConstraint::Kind::ForeignKey:
@@ -2249,7 +2250,7 @@ private:
             return check(kTypeCheck, u"%1 GLOB '[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9]*'"_s.arg(name));
         case Type::Kind::Text:
             return column.type.length < 0 ? QString()
-                                          : check(kLengthCheck, u"length(%1) <= %2"_s.arg(name).arg(column.type.length));
+                                          : check(kLengthCheck, u"length(%1) <= %2"_s.arg(name, QString::number(column.type.length)));
         case Type::Kind::Unknown:
         case Type::Kind::Binary:
             break;

@@ -59,8 +59,8 @@ const char *const kSeeds[] = {
     "select * from dbo.fnFrom('2009-09-09', 1) f where f.dFrom between '20090101' and dateadd(month, 1, getdate())",
     "select dbo.fnTwice(idBank) + dbo.fnSum(3), row_number() over (partition by iState order by cCode) as r from Banks",
     "select left(cCode, 2), right(cCode, 3), len(cName), substring(cCode, 2, :n), charindex('a', cCode, 2), replace(cCode, 'a', ''),"
-    " str(fRate, 10, 2), round(fRate, -2), floor(fHours), ceiling(fHours), sign(fRate), abs(-1), ltrim(rtrim(upper(lower(cCode))))"
-    " from Banks",
+    " str(fRate, 10, 2), round(fRate, -2), floor(fHours), ceiling(fHours), sign(fRate), abs(-1), ltrim(rtrim(upper(lower(cCode)))),"
+    " replicate('%1', 2) + space(1) + char(65) from Banks",
     "select convert(varchar(10), dFrom, 103), cast(fRate as int), datediff(week, dFrom, getdate()), datepart(dw, dFrom), "
     "year(dFrom), nullif(iState, 0), coalesce(cName, cCode, ''), isnull(dFrom, 0), cast('2020-01-01' as datetime) + 1 from Banks",
     "select * from Banks where not (cCode like 'A[a-c]%' or cName like :p escape '!') and exists (select * from States where idState"
@@ -89,7 +89,7 @@ const char *const kSeeds[] = {
 const char *const kWords[] = {
     "select", "from", "where", "(", ")", ",", "'", "[", "]", "\"", "--", "/*", "*/", ";", "||", "union", "all", "top 3", "order by",
     "group by", "null", "is null", "in (", "like", "case when 1=1 then 2 end", "cast(1 as varchar(3))", "@x", ":p", "@@rowcount",
-    "limit 1", "pragma", "attach", "sqlite_master", "typeof(1)", "glob", "collate", "merge", "with", "exec", "0x12", "1e400",
+    "'%2'", "%1", "limit 1", "pragma", "attach", "sqlite_master", "typeof(1)", "glob", "collate", "merge", "with", "exec", "0x12", "1e400",
     "99999999999999999999", "-9223372036854775808", "max(", "count(*)", "over (order by 1)", "not", "and", "or", "between", "exists (",
     "N'x'", "'%[a-'", "''", "*", "/ 0", "%", "&", "|", "~", "-", "+", "_rowid_", "rowid", "Banks", "vBanks", "B.", "dbo.", "cCode", "idBank",
     "dFrom", "fnFrom('2020-01-01', 1)", "dbo.fnTwice(1)", "dateadd(month, 1, dFrom)", "distinct", "default", "getdate()", "@t", "#t", "\xc3\xa9",
@@ -125,6 +125,7 @@ public:
                     values.insert(QString::fromLatin1(name), QStringLiteral("1"));
             }
             engine_->Run(text, values);
+            ++accepted_;
         } catch (const Error &error) {
             if (const QString fault = Judge(error); !fault.isEmpty())
                 return fault;
@@ -255,7 +256,14 @@ int main(int argc, char **argv)
         alarm(20); // a hang ends the program with SIGALRM
         QElapsedTimer one;
         one.start();
+        const int accepted = TheFuzzer().Accepted();
         const QString fault = TheFuzzer().Try(text);
+        if (TheFuzzer().Accepted() > accepted && text.size() > 40) { // what was understood is worth changing further
+            if (seeds.size() < 2000)
+                seeds.append(text);
+            else
+                seeds[int(std::size(kSeeds)) + random.bounded(2000 - int(std::size(kSeeds)))] = text;
+        }
         if (!fault.isEmpty() || one.elapsed() > 10000) {
             fprintf(stderr, "%s (%lld ms)\nfor: %s\n", qPrintable(fault), one.elapsed(), qPrintable(text));
             return 1;
