@@ -10,7 +10,8 @@ Q_LOGGING_CATEGORY(lcData, "corvex.data")
 // A longer text may be of a type that SQL Server cannot compare.
 constexpr int kLongestComparedText = 250;
 
-struct TRow {
+struct TRow
+{
     int key = 0;
     QVariantList read;   // as the database gave it
     QVariantList values; // as it stands, each of its column's type
@@ -150,9 +151,11 @@ template class Column<QDate>;
 
 // ---- records
 
-struct TCorvexADOQuery::Impl {
+struct TCorvexADOQuery::Impl
+{
     enum class State { Browse, Edit, Append };
-    struct TSelection {
+    struct TSelection
+    {
         QString where;
         TDbParams params;
         QString orderBy;
@@ -177,9 +180,9 @@ struct TCorvexADOQuery::Impl {
     bool eof = true;
 
     State state = State::Browse;
-    TRow pending;           // the record being edited
-    bool fromList = false;  // the record being edited was read for it from the list's focused row
-    bool replaces = false;  // a new record that takes the place of the current one, which somebody deleted
+    TRow pending;          // the record being edited
+    bool fromList = false; // the record being edited was read for it from the list's focused row
+    bool replaces = false; // a new record that takes the place of the current one, which somebody deleted
 
     bool IsKey(const TColumnBase &column) const { return column.Field().compare(keyField, Qt::CaseInsensitive) == 0; }
     bool Editing() const { return state != State::Browse; }
@@ -302,9 +305,8 @@ struct TCorvexADOQuery::Impl {
             if (!IsKey(*columns[i]))
                 add(columns[i]->Field(), ParamName("v", i), pending.values[i]);
         }
-        const QString sql =
-            QStringLiteral("insert %1 (%2) values (%3)")
-                .arg(tableName, names.join(QStringLiteral(", ")), places.join(QStringLiteral(", ")));
+        const QString sql = QStringLiteral("insert %1 (%2) values (%3)")
+                                .arg(tableName, names.join(QStringLiteral(", ")), places.join(QStringLiteral(", ")));
         if (keys == Keys::Client) {
             db.Execute(sql, params);
             return Written(db, pending.key);
@@ -345,8 +347,10 @@ struct TCorvexADOQuery::Impl {
         if (Update(db, true) == 0) {
             Compared(db, false);
             // Still the same row: a value that the server compares otherwise than it tells it (a rounded number).
-            if (Update(db, false) == 0)
+            if (Update(db, false) == 0) {
                 Compared(db, false);
+                Misused(QStringLiteral("The record of %1 was not written.").arg(tableName));
+            }
         }
         return Written(db, pending.key);
     }
@@ -709,8 +713,8 @@ bool TCorvexADOQuery::RecordsExist(const QString &field, int id) const
 
 bool TCorvexADOQuery::RecordsExistCriteria(const QString &criteria, const TDbParams &params) const
 {
-    const QString sql = QStringLiteral("select top 1 %1 from %2 where %3 order by %1")
-                            .arg(impl_->keyField, impl_->tableName, criteria);
+    const QString sql =
+        QStringLiteral("select top 1 %1 from %2 where %3 order by %1").arg(impl_->keyField, impl_->tableName, criteria);
     return !MainConnection().Select(sql, params).isEmpty();
 }
 
@@ -761,7 +765,8 @@ QVariant TCorvexADOQuery::CurrentValue(const TColumnBase &column) const
 void TCorvexADOQuery::SetCurrentValue(const TColumnBase &column, const QVariant &value)
 {
     if (!impl_->Editing())
-        Misused(QStringLiteral("%1 is set, but no record of %2 is being edited.").arg(column.Field(), impl_->tableName));
+        Misused(
+            QStringLiteral("%1 is set, but no record of %2 is being edited.").arg(column.Field(), impl_->tableName));
     if (impl_->IsKey(column))
         SetKeyValue(value.toInt());
     else
@@ -770,7 +775,8 @@ void TCorvexADOQuery::SetCurrentValue(const TColumnBase &column, const QVariant 
 
 // ---- stored procedures
 
-struct TCorvexADOStoredProc::Impl {
+struct TCorvexADOStoredProc::Impl
+{
     QString procedure;
     QList<TDbArgument> arguments;
     TDbCallResult result;
@@ -841,9 +847,9 @@ bool TCorvexADOStoredProc::kvExecProc(bool showError)
 
 int GetIdxKey(const QString &keyField, const QString &table, int floor)
 {
-    const TDbRows rows = MainConnection().Select(
-        QString::asprintf("select top 1 %s from %s order by %s desc", qUtf8Printable(keyField), qUtf8Printable(table),
-                          qUtf8Printable(keyField)));
+    const TDbRows rows =
+        MainConnection().Select(QString::asprintf("select top 1 %s from %s order by %s desc", qUtf8Printable(keyField),
+                                                  qUtf8Printable(table), qUtf8Printable(keyField)));
     const int highest = rows.isEmpty() ? 0 : rows.Value(0, keyField).toInt();
     return qMax(highest, floor) + 1;
 }

@@ -63,8 +63,10 @@ extern template class CORVEX_API Column<double>;
 extern template class CORVEX_API Column<QDate>;
 
 // What somebody else changed between our reading of a record and our saving of it.
-struct CORVEX_API TRecordConflict : public std::exception {
-    struct Field {
+struct CORVEX_API TRecordConflict : public std::exception
+{
+    struct Field
+    {
         QString field;   // column name
         QVariant read;   // as we read it
         QVariant theirs; // as it stands now
@@ -75,8 +77,10 @@ struct CORVEX_API TRecordConflict : public std::exception {
     const char *what() const noexcept override { return "the record was changed by another user"; }
 };
 
-// What a list query is read from. `from` is a table, a view, a join or a table function call; `key` is the integer key column.
-struct TListSource {
+// What a list query is read from. `from` is a table, a view, a join or a table function call; `key` is the integer key
+// column.
+struct TListSource
+{
     QString from;
     QStringList columns; // to select besides the grid's own
     QString key;
@@ -114,14 +118,15 @@ public:
         Server, // identity: the server makes the key
         Client  // the caller sets the key before brPost (see GetIdxKey)
     };
-    TCorvexADOQuery(const QString &tableName, const QString &keyField, Keys keys = Keys::Server, QObject *owner = nullptr);
+    TCorvexADOQuery(const QString &tableName, const QString &keyField, Keys keys = Keys::Server,
+                    QObject *owner = nullptr);
     ~TCorvexADOQuery() override;
 
     // ---- what it reads and writes
-    QString TableName() const;   // the table written
+    QString TableName() const; // the table written
     void SetTableName(const QString &name);
     QString KeyField() const;
-    QString FromTables() const;  // the table or view read by a list; the written table when empty
+    QString FromTables() const; // the table or view read by a list; the written table when empty
     void SetFromTables(const QString &from);
     QString SelectFields() const; // comma-separated columns that a list always selects
     void SetSelectFields(const QString &fields);
@@ -140,8 +145,8 @@ public:
 
     // ---- as a list
     void OpenList();
-    // Reads the list again and keeps its place; with `locate`, a `keyField` and a `keyValue`, focuses the row with that key.
-    // Without a list control it reads the selected records again and stands on that one, when it is still there.
+    // Reads the list again and keeps its place; with `locate`, a `keyField` and a `keyValue`, focuses the row with that
+    // key. Without a list control it reads the selected records again and stands on that one, when it is still there.
     void brRefresh(bool locate, const QString &keyField, const QString &keyValue);
 
     // ---- as records
@@ -153,7 +158,7 @@ public:
     int RecordCount() const;
     bool IsEmpty() const { return RecordCount() == 0; }
     void First();
-    bool Next(); // false when it stood on the last
+    bool Next();      // false when it stood on the last
     bool Eof() const; // true after Next gave false, and without records
     // Of the current record; 0 when there is none, and for a new record before the server (Post) or the caller
     // (SetKeyValue) gave it one.
@@ -171,15 +176,16 @@ public:
     bool IsAppending() const;
     bool IsModified() const; // some column differs from what was read
     // Writes the changed columns (all of them for a new record) and leaves edit state; KeyValue() then holds the key.
-    // Throws TRecordConflict when somebody changed or deleted the row since it was read (edit state is kept), TDbError on
-    // any other failure (edit state is kept too, a new record's key is 0 again; the caller cancels). Uses the caller's
-    // transaction, or one of its own. Without changes nothing is written, but a deleted row is still a conflict.
+    // Throws TRecordConflict when somebody changed or deleted the row since it was read (edit state is kept), TDbError
+    // on any other failure (edit state is kept too, a new record's key is 0 again; the caller cancels). Uses the
+    // caller's transaction, or one of its own. Without changes nothing is written, but a deleted row is still a
+    // conflict.
     void Post();
     // Post with the error shown to the user in a box: true when written. Without `showError` it is thrown.
     // TRecordConflict passes in any case.
     bool brPost(bool showError = true);
-    // Throws TRecordConflict as Post does, and writes nothing (nothing happens for a new record). For records that are written in
-    // another way than by Post.
+    // Throws TRecordConflict as Post does, and writes nothing (nothing happens for a new record). For records that are
+    // written in another way than by Post.
     void CheckUnchanged() const;
     // Drops pending changes.
     void Cancel();
@@ -232,8 +238,8 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
-// The larger of the table's highest key (0 when it is empty) and `floor`, plus 1: keys up to 50000 belong to records supplied with the system.
-// Run inside the transaction that writes the record.
+// The larger of the table's highest key (0 when it is empty) and `floor`, plus 1: keys up to 50000 belong to records
+// supplied with the system. Run inside the transaction that writes the record.
 CORVEX_API int GetIdxKey(const QString &keyField, const QString &table, int floor = 50000);
 
 // How the data layer shows an error to the user; set by the forms layer (nothing is shown, only logged, before).
@@ -245,8 +251,14 @@ CORVEX_API void PresentError(const TDbError &error);
 // One line a column: the typed pair (GetCode/SetCode) and the column object that a dialog binds a control to.
 #define CORVEX_COLUMN(Type, Name, field, ...)                                                                          \
     Column<Type> Name{*this, field __VA_OPT__(, ) __VA_ARGS__};                                                        \
-    Type Get##Name() const { return Name.Get(); }                                                                      \
-    void Set##Name(const Type &value) { Name.Set(value); }
+    Type Get##Name() const                                                                                             \
+    {                                                                                                                  \
+        return Name.Get();                                                                                             \
+    }                                                                                                                  \
+    void Set##Name(const Type &value)                                                                                  \
+    {                                                                                                                  \
+        Name.Set(value);                                                                                               \
+    }
 #define TEXT_COLUMN(Name, field, limit) CORVEX_COLUMN(QString, Name, field, limit)
 #define INT_COLUMN(Name, field) CORVEX_COLUMN(int, Name, field)
 #define BOOL_COLUMN(Name, field) CORVEX_COLUMN(bool, Name, field)

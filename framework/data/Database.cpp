@@ -22,8 +22,7 @@ TDbError::TDbError(Kind kind_, int number_, QString message_, QString statement_
     , message(std::move(message_))
     , statement(std::move(statement_))
     , utf8_(message.toUtf8())
-{
-}
+{}
 
 int TDbRows::ColumnIndex(QStringView name) const
 {

@@ -12,35 +12,36 @@
 
 #include "framework/Export.h"
 
-// The shared database as everything above it sees it: T-SQL text with named parameters (":name"), whichever engine runs it.
+// The shared database as everything above it sees it: T-SQL text with named parameters (":name"), whichever engine runs
+// it.
 
 // A failed database operation, told in the server's words.
 class CORVEX_API TDbError : public std::exception
 {
 public:
     enum class Kind {
-        Statement,      // syntax, unknown object, outside the embedded subset
+        Statement, // syntax, unknown object, outside the embedded subset
         Duplicate,
         Referenced,
         TooLong,
         NullValue,
         Check,
-        Busy,           // locked by another user
+        Busy, // locked by another user
         ReadOnly,
         DiskFull,
         Damaged,
         ForeignFile,
         NewerFile,
         ConnectionLost,
-        Raised,         // a procedure raised it
+        Raised, // a procedure raised it
         Other
     };
     TDbError(Kind kind, int number, QString message, QString statement = {});
     const char *what() const noexcept override { return utf8_.constData(); }
 
     const Kind kind;
-    const int number;       // the server's error number, 0 when it has none
-    const QString message;  // complete, for a person
+    const int number;      // the server's error number, 0 when it has none
+    const QString message; // complete, for a person
     const QString statement;
 
 private:
@@ -52,7 +53,8 @@ using TDbParams = QVariantMap;
 
 // A result read to its end, so that no cursor is ever left open on the connection.
 // NULL is an invalid QVariant; int, bool (bit), double (float, money), QString and QDateTime otherwise.
-struct CORVEX_API TDbRows {
+struct CORVEX_API TDbRows
+{
     QStringList columns;
     QList<QVariantList> rows;
 
@@ -66,13 +68,15 @@ struct CORVEX_API TDbRows {
 
 // One argument of a stored procedure; the name is without '@'. An InOut argument's type is its value's type
 // (pass a typed NULL, QVariant(QMetaType(...)), when it has no value yet).
-struct TDbArgument {
+struct TDbArgument
+{
     QString name;
     QVariant value;
     bool inOut = false;
 };
 
-struct TDbCallResult {
+struct TDbCallResult
+{
     int returnValue = 0;
     QVariantMap outputs; // InOut arguments by name
 };

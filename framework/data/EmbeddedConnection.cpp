@@ -66,8 +66,7 @@ class TEmbeddedConnection final : public TDbConnection
 public:
     explicit TEmbeddedConnection(std::unique_ptr<embedded::Engine> engine)
         : engine_(std::move(engine))
-    {
-    }
+    {}
 
     TDbRows Select(const QString &sql, const TDbParams &params) override
     {
@@ -77,15 +76,9 @@ public:
         return {std::move(outcome.rows.columns), std::move(outcome.rows.rows)};
     }
 
-    int Execute(const QString &sql, const TDbParams &params) override
-    {
-        return qMax(0, Run(sql, params).affected);
-    }
+    int Execute(const QString &sql, const TDbParams &params) override { return qMax(0, Run(sql, params).affected); }
 
-    int Insert(const QString &sql, const TDbParams &params) override
-    {
-        return int(Run(sql, params).identity);
-    }
+    int Insert(const QString &sql, const TDbParams &params) override { return int(Run(sql, params).identity); }
 
     TDbCallResult Call(const QString &procedure, const QList<TDbArgument> &arguments) override
     {
@@ -103,8 +96,8 @@ public:
 
     void RunScript(const QString &script, const QString &title) override
     {
-        // Cut here rather than by the engine, so that a script is the same batches on every engine. The blank lines make
-        // the place of an error one of the script's own.
+        // Cut here rather than by the engine, so that a script is the same batches on every engine. The blank lines
+        // make the place of an error one of the script's own.
         const QList<sqltext::TBatch> batches = sqltext::CutAtGo(script);
         for (const sqltext::TBatch &batch : batches) {
             try {

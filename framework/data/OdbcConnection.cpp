@@ -29,8 +29,9 @@ constexpr int kOdbcDouble = 8;
 // "[FreeTDS][SQL Server]Invalid column name" -> "Invalid column name"
 QString WithoutDriverNames(const QString &text)
 {
-    static const QRegularExpression names(QStringLiteral(R"(\[[^\]]*(?:ODBC|SQL|FreeTDS|Driver|Microsoft|unixODBC|DataDirect)[^\]]*\])"),
-                                          QRegularExpression::CaseInsensitiveOption);
+    static const QRegularExpression names(
+        QStringLiteral(R"(\[[^\]]*(?:ODBC|SQL|FreeTDS|Driver|Microsoft|unixODBC|DataDirect)[^\]]*\])"),
+        QRegularExpression::CaseInsensitiveOption);
     return QString(text).remove(names).simplified();
 }
 
@@ -197,15 +198,16 @@ public:
     QString Description() const override { return description_; }
 
 private:
-    struct TAnswer {
+    struct TAnswer
+    {
         TDbRows rows; // of the last result that has columns
         bool hasRows = false;
     };
 
     static QString DescriptionOf(const QString &connectionString)
     {
-        const QString server = PartOf(
-            connectionString, {QStringLiteral("SERVER"), QStringLiteral("SERVERNAME"), QStringLiteral("DSN")});
+        const QString server =
+            PartOf(connectionString, {QStringLiteral("SERVER"), QStringLiteral("SERVERNAME"), QStringLiteral("DSN")});
         const QString database = PartOf(connectionString, {QStringLiteral("DATABASE")});
         return server.isEmpty() || database.isEmpty() ? server + database : server + QStringLiteral(" / ") + database;
     }
@@ -357,8 +359,8 @@ private:
         throw TDbError(kind, number, message, statement);
     }
 
-    // Some errors (a deadlock, a failed conversion) roll the whole transaction back on the server. What is written after
-    // one of those would be kept on its own.
+    // Some errors (a deadlock, a failed conversion) roll the whole transaction back on the server. What is written
+    // after one of those would be kept on its own.
     bool TransactionAlive() const
     {
         const QString question = dialect_->OpenTransactionsText();

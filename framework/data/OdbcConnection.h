@@ -10,13 +10,15 @@ class TOdbcDialect
 public:
     // A text to run with the caller's values and, when not empty, one to run after it. The last result of the two
     // holds the answer in its first row and column.
-    struct TAsked {
+    struct TAsked
+    {
         QString text;
         QString after;
     };
     // A procedure call as one statement with named values. The last result is one row: the return value, then the
     // InOut arguments in their order.
-    struct TCallText {
+    struct TCallText
+    {
         QString text;
         TDbParams params;
     };

@@ -110,7 +110,8 @@ TOdbcDialect::TAsked TSqlServerDialect::NewKey(const QString &sql) const
 TOdbcDialect::TCallText TSqlServerDialect::Call(const QString &procedure, const QList<TDbArgument> &arguments) const
 {
     if (!sqltext::IsObjectName(procedure))
-        throw TDbError(TDbError::Kind::Statement, 2812, QStringLiteral("\"%1\" is not a procedure's name.").arg(procedure));
+        throw TDbError(TDbError::Kind::Statement, 2812,
+                       QStringLiteral("\"%1\" is not a procedure's name.").arg(procedure));
     TCallText call;
     QStringList declared{QStringLiteral("@qp_return int")};
     QString sets;
@@ -139,8 +140,9 @@ TOdbcDialect::TCallText TSqlServerDialect::Call(const QString &procedure, const 
             selected += QStringLiteral(", %1 as %2").arg(variable, valueName);
         }
     }
-    call.text = QStringLiteral("set nocount on; declare %1; %2exec @qp_return = %3 %4; select %5")
-                    .arg(declared.join(QStringLiteral(", ")), sets, procedure, passed.join(QStringLiteral(", ")), selected);
+    call.text =
+        QStringLiteral("set nocount on; declare %1; %2exec @qp_return = %3 %4; select %5")
+            .arg(declared.join(QStringLiteral(", ")), sets, procedure, passed.join(QStringLiteral(", ")), selected);
     return call;
 }
 
@@ -214,7 +216,8 @@ TDbError::Kind TSqlServerDialect::ErrorKind(int number, const QString &message) 
         break;
     }
     // "The statement has been terminated" (3621) follows the real error, and some drivers tell only its number or none.
-    static const struct {
+    static const struct
+    {
         QLatin1String words;
         Kind kind;
     } kWords[] = {

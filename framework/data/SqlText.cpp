@@ -12,7 +12,8 @@
 namespace sqltext {
 namespace {
 
-struct TPart {
+struct TPart
+{
     enum class Kind { Code, Quoted, Comment };
     Kind kind = Kind::Code;
     qsizetype start = 0;
@@ -98,9 +99,10 @@ QList<TPiece> CutAtParameters(const QString &sql)
         const TPart part = PartAt(view, from);
         from = part.end;
         if (!part.closed)
-            throw TDbError(TDbError::Kind::Statement, 105,
-                           QStringLiteral("A quoted text or a comment does not end, from position %1 on.").arg(part.start + 1),
-                           sql);
+            throw TDbError(
+                TDbError::Kind::Statement, 105,
+                QStringLiteral("A quoted text or a comment does not end, from position %1 on.").arg(part.start + 1),
+                sql);
         if (part.kind == TPart::Kind::Comment) {
             text += u' ';
             continue;
@@ -209,8 +211,8 @@ QVariant DbValue(const QVariant &value)
 
 bool IsObjectName(QStringView name)
 {
-    static const QRegularExpression pattern(
-        QStringLiteral(R"(\A(?:(?:\[\w+\]|\w+)\.){0,2}(?:\[\w+\]|\w+)\z)"), QRegularExpression::UseUnicodePropertiesOption);
+    static const QRegularExpression pattern(QStringLiteral(R"(\A(?:(?:\[\w+\]|\w+)\.){0,2}(?:\[\w+\]|\w+)\z)"),
+                                            QRegularExpression::UseUnicodePropertiesOption);
     return pattern.match(name.toString()).hasMatch();
 }
 

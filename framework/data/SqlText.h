@@ -10,7 +10,8 @@
 namespace sqltext {
 
 // Text up to and including the place of one named parameter; the last piece has no name.
-struct TPiece {
+struct TPiece
+{
     QString text;
     QString name;
 };
@@ -20,12 +21,14 @@ struct TPiece {
 // for a bare "?", which would take the place of a named value.
 QList<TPiece> CutAtParameters(const QString &sql);
 
-struct TBatch {
+struct TBatch
+{
     QString text;
     int line = 1; // where it begins in the script, from 1
 };
 
-// Cuts a script at the lines that hold GO alone; a GO inside a string or a comment does not count. Blank batches are left out.
+// Cuts a script at the lines that hold GO alone; a GO inside a string or a comment does not count. Blank batches are
+// left out.
 QList<TBatch> CutAtGo(const QString &script);
 
 // A value as the connections carry it: invalid for NULL, else int, qlonglong, bool, double, QString (never null) or

@@ -133,7 +133,9 @@ void TDatabaseConformance::values_data()
     const auto row = [](const char *name, const char *column, const QVariant &given, const QVariant &got) {
         QTest::newRow(name) << QString(column) << given << got;
     };
-    const auto same = [&](const char *name, const char *column, const QVariant &value) { row(name, column, value, value); };
+    const auto same = [&](const char *name, const char *column, const QVariant &value) {
+        row(name, column, value, value);
+    };
     const QDateTime noon(QDate(2009, 9, 9), QTime(12, 34, 56));
     const QString tenThousand = QString("ab'c; -- \"").repeated(1024);
 
@@ -192,9 +194,29 @@ void TDatabaseConformance::values()
 void TDatabaseConformance::textsAreFoundAgain_data()
 {
     QTest::addColumn<QString>("text");
-    for (const char *text : {"O'Brien", "'", "''", "\"", "a\"b", ";", "'; drop table dbo.qptKinds; --", "-- x", "/* x", "*/",
-                             ":name", "?", "@x", "100%", "a_b", "[a]", "]", "\\", "a\\'b", "Zo\xc3\xab & \xc3\x9c\xc3\xb1",
-                             "caf\xc3\xa9 \xc2\xa3", "{d '2009-09-09'}", "1=1 or 'a'='a'"})
+    for (const char *text : {"O'Brien",
+                             "'",
+                             "''",
+                             "\"",
+                             "a\"b",
+                             ";",
+                             "'; drop table dbo.qptKinds; --",
+                             "-- x",
+                             "/* x",
+                             "*/",
+                             ":name",
+                             "?",
+                             "@x",
+                             "100%",
+                             "a_b",
+                             "[a]",
+                             "]",
+                             "\\",
+                             "a\\'b",
+                             "Zo\xc3\xab & \xc3\x9c\xc3\xb1",
+                             "caf\xc3\xa9 \xc2\xa3",
+                             "{d '2009-09-09'}",
+                             "1=1 or 'a'='a'"})
         QTest::newRow(text) << QString::fromUtf8(text);
 }
 
@@ -205,11 +227,15 @@ void TDatabaseConformance::textsAreFoundAgain()
     db_->Execute("insert dbo.qptKinds (cText, iInt) values (" + QuotedSQL(text) + ", 2)");
     db_->Execute("insert dbo.qptKinds (cText, iInt) values ('other', 3)");
     const QList<QVariantList> both{{1, text}, {2, text}};
-    QCOMPARE(db_->Select("select iInt, cText from dbo.qptKinds where cText = :t order by iInt", {{"t", text}}).rows, both);
-    QCOMPARE(db_->Select("select iInt, cText from dbo.qptKinds where cText = " + QuotedSQL(text) + " order by iInt").rows, both);
-    QCOMPARE(db_->Select("select iInt, cText from dbo.qptKinds where charindex(:t, cText) > 0 order by iInt", {{"t", text}})
-                 .rows,
+    QCOMPARE(db_->Select("select iInt, cText from dbo.qptKinds where cText = :t order by iInt", {{"t", text}}).rows,
              both);
+    QCOMPARE(
+        db_->Select("select iInt, cText from dbo.qptKinds where cText = " + QuotedSQL(text) + " order by iInt").rows,
+        both);
+    QCOMPARE(
+        db_->Select("select iInt, cText from dbo.qptKinds where charindex(:t, cText) > 0 order by iInt", {{"t", text}})
+            .rows,
+        both);
 }
 
 void TDatabaseConformance::columnsOfResults()
@@ -254,7 +280,8 @@ void TDatabaseConformance::counts()
     QCOMPARE(db_->Execute("update dbo.qptKinds set iSmall = 1 where iInt > :i", {{"i", 0}}), 2);
     QCOMPARE(db_->Execute("update dbo.qptKinds set iSmall = 1"), 3); // matched counts, not changed
     QCOMPARE(db_->Execute("update dbo.qptKinds set iSmall = 1 where iInt = 99"), 0);
-    QCOMPARE(db_->Execute("insert dbo.qptKinds (iInt) select iInt + 10 from dbo.qptKinds where iInt < :i;", {{"i", 2}}), 2);
+    QCOMPARE(db_->Execute("insert dbo.qptKinds (iInt) select iInt + 10 from dbo.qptKinds where iInt < :i;", {{"i", 2}}),
+             2);
     QCOMPARE(db_->Execute("delete dbo.qptKinds where iInt >= 10 -- two"), 2);
     QCOMPARE(db_->Execute("delete from dbo.qptKinds"), 3);
 }
@@ -323,22 +350,26 @@ void TDatabaseConformance::queries_data()
     row("select cCode from dbo.qptBanks where cDescription like '%[_]a'", "WBC");
     row("select cCode from dbo.qptBanks where cCode in ('wbc', 'x')", "WBC");
     row("select cCode from dbo.qptBanks where not (cCode = 'NAB' or iState <> 2)", "WBC");
-    row("select cCode from dbo.qptBanks b where exists (select idBranch from dbo.qptBranches where iBankID = b.idBank)", "NAB");
-    row("select b.cCode from dbo.qptBanks b inner join dbo.qptBranches r on r.iBankID = b.idBank where r.cName = 'MAIN'",
+    row("select cCode from dbo.qptBanks b where exists (select idBranch from dbo.qptBranches where iBankID = b.idBank)",
+        "NAB");
+    row("select b.cCode from dbo.qptBanks b inner join dbo.qptBranches r on r.iBankID = b.idBank where r.cName = "
+        "'MAIN'",
         "NAB");
     row("select cFull from dbo.qptvBanks where cName is null order by cFull", "ANZ - ANZ Bank|WBC - Westpac_a");
     row("select cCode from [dbo].[qptfBanks]('2009-09-09', 0) order by cCode", "ANZ NAB WBC");
     row("select cCode from [dbo].[qptfBanks]('2009-09-08', 0) order by cCode", "ANZ");
     row("select f.cCode from dbo.qptfBanks('2009-09-09', 2) f order by f.cCode", "NAB WBC");
     row("select max(cCode) as c from dbo.qptBanks group by iState having count(*) > 1", "WBC");
-    row("select cCode from dbo.qptBanks where iState = 5 union select cName from dbo.qptBranches order by 1", "ANZ Main");
+    row("select cCode from dbo.qptBanks where iState = 5 union select cName from dbo.qptBranches order by 1",
+        "ANZ Main");
     row("select distinct cast(iState as varchar(5)) as c from dbo.qptBanks order by c", "2 5");
 }
 
 void TDatabaseConformance::queries()
 {
     QFETCH(QString, sql);
-    db_->Execute("insert dbo.qptBanks (cCode, cDescription, dStart, iState) values ('NAB', 'National', '2009-09-09', 2)");
+    db_->Execute(
+        "insert dbo.qptBanks (cCode, cDescription, dStart, iState) values ('NAB', 'National', '2009-09-09', 2)");
     db_->Execute("insert dbo.qptBanks (cCode, cDescription, dStart, iState) values ('ANZ', 'ANZ Bank', null, 5)");
     db_->Execute("insert dbo.qptBanks (cCode, cDescription, dStart, iState) "
                  "values ('WBC', 'Westpac_a', '2009-09-08 23:59:00', 2)");
@@ -373,14 +404,16 @@ void TDatabaseConformance::errors_data()
     row("duplicate", "insert dbo.qptBanks (cCode, cDescription) values ('NAB', 'x')", Kind::Duplicate);
     row("duplicate but for case and blanks", "insert dbo.qptBanks (cCode, cDescription) values ('nab ', 'x')",
         Kind::Duplicate);
-    row("duplicate key", "insert dbo.qptBranches (idBranch, iBankID, cName, iDesks) select 1, idBank, 'x', 1 from dbo.qptBanks",
+    row("duplicate key",
+        "insert dbo.qptBranches (idBranch, iBankID, cName, iDesks) select 1, idBank, 'x', 1 from dbo.qptBanks",
         Kind::Duplicate);
     row("duplicate by update", "update dbo.qptBanks set cCode = 'NAB' where cCode = 'ANZ'", Kind::Duplicate);
     row("too long", "insert dbo.qptBanks (cCode, cDescription) values ('12345678901', 'x')", Kind::TooLong);
     row("too long by update", "update dbo.qptBanks set cCode = '12345678901' where cCode = 'ANZ'", Kind::TooLong);
     row("NULL", "insert dbo.qptBanks (cCode, cDescription) values ('x', null)", Kind::NullValue);
     row("NULL by leaving out", "insert dbo.qptBanks (cCode) values ('x')", Kind::NullValue);
-    row("no such parent", "insert dbo.qptBranches (idBranch, iBankID, cName, iDesks) values (2, -1, 'x', 1)", Kind::Referenced);
+    row("no such parent", "insert dbo.qptBranches (idBranch, iBankID, cName, iDesks) values (2, -1, 'x', 1)",
+        Kind::Referenced);
     row("parent in use", "delete dbo.qptBanks where cCode = 'NAB'", Kind::Referenced);
     row("check constraint", "update dbo.qptBranches set iDesks = -1", Kind::Check);
     row("text into a number", "update dbo.qptBranches set iDesks = 'many'", Kind::Check);
@@ -397,8 +430,9 @@ void TDatabaseConformance::errors()
     db_->Execute("insert dbo.qptBanks (cCode, cDescription) values ('ANZ', 'ANZ Bank')");
     db_->Execute("insert dbo.qptBranches (idBranch, iBankID, cName, iDesks) values (1, :b, 'Main', 4)", {{"b", bank}});
     const auto all = [&] {
-        return db_->Select("select cCode, cDescription, cName, iDesks from dbo.qptBanks "
-                           "left outer join dbo.qptBranches on iBankID = idBank order by cCode")
+        return db_
+            ->Select("select cCode, cDescription, cName, iDesks from dbo.qptBanks "
+                     "left outer join dbo.qptBranches on iBankID = idBank order by cCode")
             .rows;
     };
     const auto before = all();
@@ -495,7 +529,8 @@ void TDatabaseConformance::procedureNulls()
 void TDatabaseConformance::procedureThatWrites()
 {
     const TDbCallResult added = db_->Call(
-        "qptpAddBank", {{"Code", "NAB"}, {"Description", "O'Brien"}, {"BankID", QVariant(QMetaType::fromType<int>()), true}});
+        "qptpAddBank",
+        {{"Code", "NAB"}, {"Description", "O'Brien"}, {"BankID", QVariant(QMetaType::fromType<int>()), true}});
     const int id = added.outputs["BankID"].toInt();
     QCOMPARE(db_->Select("select idBank, cDescription from dbo.qptBanks").rows, QList<QVariantList>({{id, "O'Brien"}}));
     QCOMPARE(db_->Call("[dbo].[qptpDeleteBank]", {{"BankID", id}}).returnValue, 1);
@@ -516,10 +551,12 @@ void TDatabaseConformance::procedureErrors_data()
     QTest::addColumn<QString>("message"); // in it
     QTest::newRow("raised") << "qptpDeleteBank" << QVariantMap{{"BankID", 0}} << Kind::Raised << "The bank is in use.";
     QTest::newRow("no such procedure") << "qptpNone" << QVariantMap{{"BankID", 0}} << Kind::Statement << "qptpNone";
-    QTest::newRow("no such parameter") << "qptpDeleteBank" << QVariantMap{{"BankID", 0}, {"Other", 1}} << Kind::Statement << "";
+    QTest::newRow("no such parameter") << "qptpDeleteBank" << QVariantMap{{"BankID", 0}, {"Other", 1}}
+                                       << Kind::Statement << "";
     QTest::newRow("parameter left out") << "qptpDeleteBank" << QVariantMap() << Kind::Statement << "BankID";
     QTest::newRow("no name") << "qptpDeleteBank; delete qptBanks" << QVariantMap() << Kind::Statement << "";
-    QTest::newRow("duplicate inside") << "qptpAddBank" << QVariantMap{{"Code", "NAB"}, {"Description", "x"}, {"BankID", 0}}
+    QTest::newRow("duplicate inside") << "qptpAddBank"
+                                      << QVariantMap{{"Code", "NAB"}, {"Description", "x"}, {"BankID", 0}}
                                       << Kind::Duplicate << "";
     QTest::newRow("NULL inside") << "qptpAddBank"
                                  << QVariantMap{{"Code", "ANZ"}, {"Description", QVariant()}, {"BankID", 0}}
@@ -556,6 +593,7 @@ void TDatabaseConformance::scripts()
         transaction.Commit();
     });
     QCOMPARE(thrown.kind, Kind::Statement);
-    QVERIFY2(thrown.message.contains("bad.sql") && thrown.message.contains("qptNowhere"), qUtf8Printable(thrown.message));
+    QVERIFY2(thrown.message.contains("bad.sql") && thrown.message.contains("qptNowhere"),
+             qUtf8Printable(thrown.message));
     QCOMPARE(Count("dbo.qptKinds"), 3);
 }

@@ -13,8 +13,7 @@ class TDatabaseConformance final : public QObject
 public:
     explicit TDatabaseConformance(TConnect connect)
         : connect_(std::move(connect))
-    {
-    }
+    {}
 
 private Q_SLOTS:
     void initTestCase();

@@ -11,8 +11,8 @@
 
 using TConnect = std::function<std::unique_ptr<TDbConnection>()>;
 
-// Runs a suite, made with a way to connect, on the embedded engine and, when QP_TEST_ODBC holds the connection string of
-// an empty T-SQL database, on that too. Every call of the way opens another connection to the same database.
+// Runs a suite, made with a way to connect, on the embedded engine and, when QP_TEST_ODBC holds the connection string
+// of an empty T-SQL database, on that too. Every call of the way opens another connection to the same database.
 template <class Suite> int RunOnEveryEngine(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
@@ -32,8 +32,10 @@ template <class Suite> int RunOnEveryEngine(int argc, char **argv)
     return failures;
 }
 
-// The kind and text of the error that an operation ends in; fails the test by Kind::Other with an own text when it does not.
-struct TThrown {
+// The kind and text of the error that an operation ends in; fails the test by Kind::Other with an own text when it does
+// not.
+struct TThrown
+{
     TDbError::Kind kind = TDbError::Kind::Other;
     QString message = QStringLiteral("(nothing was thrown)");
 };

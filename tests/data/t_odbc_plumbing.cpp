@@ -18,8 +18,7 @@ class TSqliteDialect final : public TOdbcDialect
 public:
     explicit TSqliteDialect(QString openTransactions = {})
         : openTransactions_(std::move(openTransactions))
-    {
-    }
+    {}
     QStringList SessionSettings() const override
     {
         // One that is not known must not matter.
@@ -137,31 +136,42 @@ void TOdbcPlumbingTest::initTestCase()
 void TOdbcPlumbingTest::init()
 {
     const QByteArray test = QTest::currentTestFunction();
-    if (test.startsWith("server") || test == "parametersAreCut" || test == "textsThatAreRefused" || test == "scriptsAreCutAtGo")
+    if (test.startsWith("server") || test == "parametersAreCut" || test == "textsThatAreRefused" ||
+        test == "scriptsAreCutAtGo")
         return;
     if (driver_.isEmpty())
         QSKIP("SQLite's ODBC driver (libsqliteodbc) is not installed");
     file_ = folder_.filePath(QString("plumbing%1.db").arg(++made_));
     db_ = Connect();
-    db_->RunScript("create table Kinds (id integer primary key, i int, b bit, f double, c varchar(200), d timestamp)\nGO\n"
-                   "create table Codes (id integer primary key, c varchar(10) unique)\ngo\n"
-                   "create table Uses (id integer primary key, codeId int references Codes (id))",
-                   "plumbing.sql");
+    db_->RunScript(
+        "create table Kinds (id integer primary key, i int, b bit, f double, c varchar(200), d timestamp)\nGO\n"
+        "create table Codes (id integer primary key, c varchar(10) unique)\ngo\n"
+        "create table Uses (id integer primary key, codeId int references Codes (id))",
+        "plumbing.sql");
 }
 
 void TOdbcPlumbingTest::parametersAreCut_data()
 {
     QTest::addColumn<QString>("sql");
     QTest::addColumn<QString>("marked"); // with <name> at each parameter
-    QTest::newRow("none") << "select 1 as n" << "select 1 as n";
-    QTest::newRow("twice, and at both ends") << ":a+b=:b_2 or :a" << "<a>+b=<b_2> or <a>";
-    QTest::newRow("string") << "x = ':a''s :b' and y = :c" << "x = ':a''s :b' and y = <c>";
-    QTest::newRow("brackets and quotes") << "[a:b]]:c].\"d:e\" = :f" << "[a:b]]:c].\"d:e\" = <f>";
-    QTest::newRow("line comment") << "a -- it's :x ?\n= :b" << "a  \n= <b>";
-    QTest::newRow("nested block comment") << "a /* ' /* :x */ ? */ = :b" << "a   = <b>";
-    QTest::newRow("colons that are none") << "'12:30' + a::b : c" << "'12:30' + a:<b> : c";
-    QTest::newRow("division and minus") << "a / b - c = :d" << "a / b - c = <d>";
-    QTest::newRow("question mark in a string") << "c = '?' and d = :d" << "c = '?' and d = <d>";
+    QTest::newRow("none") << "select 1 as n"
+                          << "select 1 as n";
+    QTest::newRow("twice, and at both ends") << ":a+b=:b_2 or :a"
+                                             << "<a>+b=<b_2> or <a>";
+    QTest::newRow("string") << "x = ':a''s :b' and y = :c"
+                            << "x = ':a''s :b' and y = <c>";
+    QTest::newRow("brackets and quotes") << "[a:b]]:c].\"d:e\" = :f"
+                                         << "[a:b]]:c].\"d:e\" = <f>";
+    QTest::newRow("line comment") << "a -- it's :x ?\n= :b"
+                                  << "a  \n= <b>";
+    QTest::newRow("nested block comment") << "a /* ' /* :x */ ? */ = :b"
+                                          << "a   = <b>";
+    QTest::newRow("colons that are none") << "'12:30' + a::b : c"
+                                          << "'12:30' + a:<b> : c";
+    QTest::newRow("division and minus") << "a / b - c = :d"
+                                        << "a / b - c = <d>";
+    QTest::newRow("question mark in a string") << "c = '?' and d = :d"
+                                               << "c = '?' and d = <d>";
 }
 
 void TOdbcPlumbingTest::parametersAreCut()
@@ -194,8 +204,9 @@ void TOdbcPlumbingTest::textsThatAreRefused()
 
 void TOdbcPlumbingTest::scriptsAreCutAtGo()
 {
-    const auto batches = sqltext::CutAtGo("\n  go\n\nselect 1 as go\r\nGO\r\n\r\n-- that's one\nselect 'a\nGO\nb' as x\n"
-                                          "/*\nGO\n*/\n  Go  \nGOTO\ngo");
+    const auto batches =
+        sqltext::CutAtGo("\n  go\n\nselect 1 as go\r\nGO\r\n\r\n-- that's one\nselect 'a\nGO\nb' as x\n"
+                         "/*\nGO\n*/\n  Go  \nGOTO\ngo");
     QCOMPARE(batches.size(), 3);
     QCOMPARE(batches[0].text, "select 1 as go");
     QCOMPARE(batches[0].line, 4);
@@ -231,12 +242,13 @@ void TOdbcPlumbingTest::serverTextForCalls()
                                              {"Count", 3, true},
                                              {"Day", QDate(2009, 9, 9), true},
                                              {"Note", QString(300, 'n')}});
-    QCOMPARE(call.text, "set nocount on; declare @qp_return int, @qp_1 varchar(8000), @qp_2 bit, @qp_3 float, @qp_4 int, "
-                        "@qp_5 datetime, @qp_6 nvarchar(max); set @qp_1 = :qp_1; set @qp_2 = :qp_2; set @qp_3 = :qp_3; "
-                        "set @qp_4 = :qp_4; set @qp_5 = :qp_5; set @qp_6 = :qp_6; exec @qp_return = dbo.p @ID = :qp_0, "
-                        "@Text = @qp_1 output, @Flag = @qp_2 output, @Rate = @qp_3 output, @Count = @qp_4 output, "
-                        "@Day = @qp_5 output, @Note = @qp_6; select @qp_return as qp_return, @qp_1 as qp_1, "
-                        "@qp_2 as qp_2, @qp_3 as qp_3, @qp_4 as qp_4, @qp_5 as qp_5");
+    QCOMPARE(call.text,
+             "set nocount on; declare @qp_return int, @qp_1 varchar(8000), @qp_2 bit, @qp_3 float, @qp_4 int, "
+             "@qp_5 datetime, @qp_6 nvarchar(max); set @qp_1 = :qp_1; set @qp_2 = :qp_2; set @qp_3 = :qp_3; "
+             "set @qp_4 = :qp_4; set @qp_5 = :qp_5; set @qp_6 = :qp_6; exec @qp_return = dbo.p @ID = :qp_0, "
+             "@Text = @qp_1 output, @Flag = @qp_2 output, @Rate = @qp_3 output, @Count = @qp_4 output, "
+             "@Day = @qp_5 output, @Note = @qp_6; select @qp_return as qp_return, @qp_1 as qp_1, "
+             "@qp_2 as qp_2, @qp_3 as qp_3, @qp_4 as qp_4, @qp_5 as qp_5");
     QCOMPARE(call.params.size(), 7);
     QCOMPARE(call.params["qp_1"].toString(), "it's");
 
@@ -316,7 +328,8 @@ void TOdbcPlumbingTest::valuesSurvive()
     QFETCH(QString, column);
     QFETCH(QVariant, given);
     const int id = db_->Insert("insert into Kinds (" + column + ") values (:v)", {{"v", given}});
-    const QVariant value = db_->Select("select " + column + " from Kinds where id = :id", {{"id", id}}).Value(0, column);
+    const QVariant value =
+        db_->Select("select " + column + " from Kinds where id = :id", {{"id", id}}).Value(0, column);
     QFETCH(QVariant, got);
     QCOMPARE(value.metaType(), got.metaType());
     QCOMPARE(value, got);

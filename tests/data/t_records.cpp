@@ -48,8 +48,7 @@ class TqryTestBanks final : public TCorvexADOQuery
 public:
     explicit TqryTestBanks(QObject *owner = nullptr)
         : TCorvexADOQuery("qprBanks", "idBank", Keys::Server, owner)
-    {
-    }
+    {}
     INT_COLUMN(IdBank, "idBank")
     TEXT_COLUMN(Code, "cCode", 10)
     TEXT_COLUMN(BankName, "cBankName", 50)
@@ -66,8 +65,7 @@ class TqryTestScales final : public TCorvexADOQuery
 public:
     TqryTestScales()
         : TCorvexADOQuery("qprScales", "idScale", Keys::Client)
-    {
-    }
+    {}
     TEXT_COLUMN(Code, "cCode", 10)
 };
 
@@ -77,8 +75,7 @@ class TWatchedConnection final : public TDbConnection
 public:
     explicit TWatchedConnection(std::unique_ptr<TDbConnection> real)
         : real_(std::move(real))
-    {
-    }
+    {}
     TDbRows Select(const QString &sql, const TDbParams &params) override { return real_->Select(sql, params); }
     int Execute(const QString &sql, const TDbParams &params) override
     {
@@ -168,8 +165,7 @@ class TRecordsTest final : public QObject
 public:
     explicit TRecordsTest(TConnect connect)
         : connect_(std::move(connect))
-    {
-    }
+    {}
 
 private Q_SLOTS:
     void initTestCase();
@@ -250,7 +246,8 @@ void TRecordsTest::DropAll()
 QVariantList TRecordsTest::Row(int id) const
 {
     return MainConnection()
-        .Select("select cCode, cBankName, iStateID, bActive, fRate, dStart from dbo.qprBanks where idBank = :id", {{"id", id}})
+        .Select("select cCode, cBankName, iStateID, bActive, fRate, dStart from dbo.qprBanks where idBank = :id",
+                {{"id", id}})
         .rows.value(0);
 }
 
@@ -261,9 +258,10 @@ int TRecordsTest::Count() const
 
 int TRecordsTest::Bank(const QString &code)
 {
-    const int id = MainConnection().Insert("insert dbo.qprBanks (cCode, cBankName, iStateID, bActive, fRate, dStart, cNotes) "
-                                           "values (:c, 'National', 2, 1, 0.1, '2009-09-09', 'note')",
-                                           {{"c", code}});
+    const int id =
+        MainConnection().Insert("insert dbo.qprBanks (cCode, cBankName, iStateID, bActive, fRate, dStart, cNotes) "
+                                "values (:c, 'National', 2, 1, 0.1, '2009-09-09', 'note')",
+                                {{"c", code}});
     watched_->written.clear();
     watched_->begun = 0;
     return id;
@@ -390,13 +388,15 @@ void TRecordsTest::conflicts_data()
     QTest::addColumn<int>("state");
     QTest::newRow("same field") << "cBankName = 'Theirs'" << QStringList{"cBankName"} << "Mine" << 2;
     QTest::newRow("other field") << "iStateID = 9" << QStringList{"iStateID"} << "Mine" << 9;
-    QTest::newRow("both") << "cBankName = 'Theirs', iStateID = 9" << QStringList{"cBankName", "iStateID"} << "Mine" << 9;
+    QTest::newRow("both") << "cBankName = 'Theirs', iStateID = 9" << QStringList{"cBankName", "iStateID"} << "Mine"
+                          << 9;
     QTest::newRow("same as mine") << "cBankName = 'Mine'" << QStringList{"cBankName"} << "Mine" << 2;
     QTest::newRow("case alone") << "cCode = 'nab'" << QStringList{"cCode"} << "Mine" << 2;
     QTest::newRow("a blank alone") << "cNotes = ' note'" << QStringList{"cNotes"} << "Mine" << 2;
     QTest::newRow("to NULL") << "cBankName = null" << QStringList{"cBankName"} << "Mine" << 2;
     QTest::newRow("the smallest fraction") << "fRate = 0.10000000000000002" << QStringList{"fRate"} << "Mine" << 2;
-    QTest::newRow("bit and date") << "bActive = 0, dStart = '2009-09-10'" << QStringList{"bActive", "dStart"} << "Mine" << 2;
+    QTest::newRow("bit and date") << "bActive = 0, dStart = '2009-09-10'" << QStringList{"bActive", "dStart"} << "Mine"
+                                  << 2;
 }
 
 void TRecordsTest::conflicts()
