@@ -111,6 +111,7 @@ TNotesForm::TNotesForm(QString table, int id, const QString &title)
                    layoutBefore.value(QStringLiteral("height")).toInt());
     }
     ShowNote(ReadNote(table_, recordId_));
+    memNotes->moveCursor(QTextCursor::End);
     memNotes->setFocus();
 }
 

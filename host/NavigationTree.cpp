@@ -127,11 +127,13 @@ QString FolderIconName(const QString &key)
 // selection's.
 QIcon TreeIcon(const QString &name, const QColor &selected)
 {
-    QIcon icon = ScreenIcon(name);
+    const QIcon source = ScreenIcon(name);
+    QIcon icon;
     for (const int size : {16, 24, 32}) {
-        QPixmap pixmap = icon.pixmap(size);
+        QPixmap pixmap = source.pixmap(size);
         if (pixmap.isNull())
             continue;
+        icon.addPixmap(pixmap);
         QPainter painter(&pixmap);
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
         painter.fillRect(pixmap.rect(), selected);
