@@ -258,6 +258,10 @@ struct TqsGrid::Impl
 
     // ---- reading
 
+    // Why a window takes another's place: other rows of the same reading, the same list read again, another order,
+    // other rows altogether (opened or filtered).
+    enum class Why { Moved, ReRead, Reordered, Refiltered };
+
     struct Place
     {
         TqsGridModel::Window window;
@@ -302,9 +306,10 @@ struct TqsGrid::Impl
     }
 
     // Finds where to stand after the list is read with `query`: on `locate` when the list holds it, else where we stand
-    // now. `sameOrder`: nothing but the data may have changed. Changes nothing here.
-    Place Find(const TGridQuery &query, std::optional<int> locate, bool sameOrder) const
+    // now. Changes nothing here.
+    Place Find(const TGridQuery &query, std::optional<int> locate, Why why) const
     {
+        const bool sameOrder = why == Why::Moved || why == Why::ReRead;
         const QModelIndex current = q.currentIndex();
         const TGridRow *focused = Focused();
         const int visible = VisibleRows();
@@ -370,7 +375,7 @@ struct TqsGrid::Impl
         return FirstPlace(query);
     }
 
-    void Show(const TGridQuery &query, Place place, bool sameOrder)
+    void Show(const TGridQuery &query, Place place, Why why)
     {
         const int column = q.currentIndex().column();
         const int across = q.horizontalScrollBar()->value();
@@ -398,12 +403,11 @@ struct TqsGrid::Impl
         q.horizontalScrollBar()->setValue(across);
         model->halted = false;
         --quiet;
-        if (!sameOrder) {
+        if (why == Why::Reordered || why == Why::Refiltered)
             slow = false;
-            if (!complete)
-                SetCount(-1);
-        }
-        countDue = !complete;
+        if (why == Why::Refiltered && !complete)
+            SetCount(-1);
+        countDue = !complete && (why == Why::ReRead || countDue || count < 0);
         if (complete)
             SetCount(model->rowCount());
         counting.stop();
@@ -411,9 +415,9 @@ struct TqsGrid::Impl
         Announce();
     }
 
-    void Load(const TGridQuery &query, std::optional<int> locate, bool sameOrder)
+    void Load(const TGridQuery &query, std::optional<int> locate, Why why)
     {
-        Show(query, Find(query, locate, sameOrder), sameOrder);
+        Show(query, Find(query, locate, why), why);
     }
 
     bool FocusRow(const TGridRow &row)
@@ -423,7 +427,7 @@ struct TqsGrid::Impl
             SetCurrent(held, q.currentIndex().column());
             EnsureVisible(held);
         } else {
-            Show(model->Query(), Around(model->Query(), row, true, VisibleRows() / 3), true);
+            Show(model->Query(), Around(model->Query(), row, true, VisibleRows() / 3), Why::Moved);
         }
         return true;
     }
@@ -593,7 +597,7 @@ struct TqsGrid::Impl
                 place.row = int(place.window.rows.size()) - 1;
                 place.distance = VisibleRows() - 1;
             }
-            Show(query, place, true);
+            Show(query, place, Why::Moved);
         });
     }
 
@@ -655,7 +659,7 @@ struct TqsGrid::Impl
     {
         const bool done = GuardChange([&] {
             if (source)
-                Load(Query(*source, field, direction, filter), {}, false);
+                Load(Query(*source, field, direction, filter), {}, Why::Reordered);
             sortField = field;
             order = direction;
             sortSection = section;
@@ -677,7 +681,7 @@ struct TqsGrid::Impl
     void Refilter()
     {
         if (source && !filter.isEmpty())
-            GuardChange([this] { Load(Query(*source, sortField, order, filter), {}, false); });
+            GuardChange([this] { Load(Query(*source, sortField, order, filter), {}, Why::Refiltered); });
     }
 
     int ShownCount() const { return q.horizontalHeader()->count() - q.horizontalHeader()->hiddenSectionCount(); }
@@ -877,7 +881,7 @@ void TqsGrid::OpenList(const TListSource &source)
     impl_->source = source;
     impl_->sibling.reset();
     impl_->lost.reset();
-    impl_->Show(query, std::move(place), false);
+    impl_->Show(query, std::move(place), Impl::Why::Refiltered);
 }
 
 void TqsGrid::ReReadList(const TListSource &source, bool locate, int key)
@@ -885,9 +889,9 @@ void TqsGrid::ReReadList(const TListSource &source, bool locate, int key)
     const TGridQuery query = impl_->Query(source, impl_->sortField, impl_->order, impl_->filter);
     const QList<int> ticked = impl_->model->Ticked();
     const QList<int> kept = ticked.isEmpty() ? ticked : query.Existing(ticked);
-    Impl::Place place = impl_->Find(query, locate ? std::optional(key) : std::nullopt, true);
+    Impl::Place place = impl_->Find(query, locate ? std::optional(key) : std::nullopt, Impl::Why::ReRead);
     impl_->source = source;
-    impl_->Show(query, std::move(place), true);
+    impl_->Show(query, std::move(place), Impl::Why::ReRead);
     impl_->model->SetTicked(kept);
 }
 
@@ -1011,7 +1015,7 @@ void TqsGrid::SetTextFilter(const QString &text)
         return;
     impl_->GuardChange([&] {
         if (impl_->source)
-            impl_->Load(impl_->Query(*impl_->source, impl_->sortField, impl_->order, text), {}, false);
+            impl_->Load(impl_->Query(*impl_->source, impl_->sortField, impl_->order, text), {}, Impl::Why::Refiltered);
         impl_->filter = text;
     });
 }

@@ -30,6 +30,8 @@ public:
         if (failing)
             throw TDbError(TDbError::Kind::ConnectionLost, 0, QStringLiteral("The server is gone."), sql);
         statements += sql;
+        for (const QVariant &value : params)
+            longestText = std::max(longestText, value.toString().size());
         TDbRows result = real_->Select(sql, params);
         rows += result.size();
         return result;
@@ -54,6 +56,7 @@ public:
     }
     QStringList statements;
     int rows = 0;
+    qsizetype longestText = 0; // of the parameters
     bool failing = false;
 
 private:
@@ -354,6 +357,12 @@ private Q_SLOTS:
         QVERIFY(IsStretchOf(Keys(*grid), all));
         QTest::keyClick(grid.get(), Qt::Key_Home);
         QCOMPARE(grid->FocusedKey(), all.first());
+        QTRY_COMPARE(grid->RecordCount(), 100000);
+        db->Reset();
+        QTest::keyClick(grid.get(), Qt::Key_End);
+        QTest::keyClick(grid.get(), Qt::Key_Home);
+        QTest::qWait(200); // longer than the pause before counting
+        QVERIFY(db->statements.filter("count(").isEmpty());
         for (int i = 0; i < 300; ++i)
             QTest::keyClick(grid.get(), Qt::Key_Down);
         QCOMPARE(grid->FocusedKey(), all[300]);
@@ -607,8 +616,10 @@ private Q_SLOTS:
         add("quote and end", "'; drop table dbo.Few --", "A1", "");
         add("percent is a character", "100%", "A1", "C3");
         add("percent alone", "%", "A1", "C3");
+        add("underscore is no wildcard", "A_p", "C3", "");
         add("underscore", "_", "A1", "C3");
         add("bracket", "[x]", "A1", "C3");
+        add("bracket opens no class", "[a]", "C3", "");
         add("backslash", "]\\ ", "A1", "C3");
         add("number", "234567", "A1", "D4");
         add("number as shown", "12.50", "B2", "A1");
@@ -644,6 +655,7 @@ private Q_SLOTS:
         if (!found.isEmpty())
             QVERIFY(Keys(grid).contains(KeysOf("select idItem from dbo.Few where cCode = '" + found + "'").first()));
         QCOMPARE(failed.size(), 0);
+        QVERIFY(db->longestText <= 4000); // what SQL Server takes for a pattern
         QCOMPARE(KeysOf("select count(*) as n from dbo.Few").first(), 5);
     }
 
