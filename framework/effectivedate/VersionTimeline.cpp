@@ -445,7 +445,11 @@ TVersionTimeline::TVersionTimeline(QWidget *parent)
     grdVersions->setTabKeyNavigation(false);
     grdVersions->setAlternatingRowColors(true);
     grdVersions->verticalHeader()->hide();
-    grdVersions->horizontalHeader()->setStretchLastSection(true);
+    grdVersions->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    grdVersions->verticalHeader()->setMinimumSectionSize(fontMetrics().height() + 6);
+    grdVersions->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    grdVersions->horizontalHeader()->setSectionResizeMode(5, QHeaderView::Stretch);
+    grdVersions->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
 
     auto *head = new QHBoxLayout;
     head->addWidget(lblTimeline);
@@ -466,10 +470,6 @@ TVersionTimeline::TVersionTimeline(QWidget *parent)
     connect(chkShowDeleted, &QCheckBox::toggled, this, &TVersionTimeline::ShowVersions);
     connect(btnTimelineTable, &QToolButton::toggled, this, [this](bool table) {
         stack_->setCurrentIndex(table ? 1 : 0);
-        // The hidden page must not keep the panel as high as the table.
-        grdVersions->setFixedHeight(table ? kTableHeight : 0);
-        strip_->setSizePolicy(QSizePolicy::Preferred, table ? QSizePolicy::Ignored : QSizePolicy::Preferred);
-        grdVersions->setSizePolicy(QSizePolicy::Preferred, table ? QSizePolicy::Preferred : QSizePolicy::Ignored);
         ShowVersions();
     });
     connect(grdVersions, &QTableWidget::itemSelectionChanged, this, [this] {
@@ -479,7 +479,6 @@ TVersionTimeline::TVersionTimeline(QWidget *parent)
     });
     connect(grdVersions, &QTableWidget::cellClicked, this, [this] { Choose(version_); });
     connect(grdVersions, &QTableWidget::cellActivated, this, [this] { Choose(version_); });
-    grdVersions->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Ignored);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
 }
 
@@ -532,7 +531,8 @@ void TVersionTimeline::ShowVersions()
             grdVersions->setItem(row, column, item);
         }
     }
-    grdVersions->resizeColumnsToContents();
+    // As high as the page that is seen needs it, whatever the other one would take.
+    stack_->setFixedHeight(btnTimelineTable->isChecked() ? kTableHeight : strip_->sizeHint().height());
     SetVersion(version_);
 }
 

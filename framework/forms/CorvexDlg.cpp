@@ -81,6 +81,7 @@ void TfrmCorvexDlgBase::AddPage(const char *name, const char *caption)
 void TfrmCorvexDlgBase::FormShow()
 {
     fields.SetTabOrder();
+    fields.AlignGroups();
 }
 
 void TfrmCorvexDlgBase::SetDialogCaption() {}

@@ -355,6 +355,18 @@ void TFormFields::SetCaption(QWidget *control, const QString &caption) const
     control->setAccessibleName(PlainCaption(caption));
 }
 
+void TFormFields::AlignGroups() const
+{
+    for (const TFormGroup *group : groups_) {
+        int width = 0;
+        for (const TFieldBinding &binding : bindings_) {
+            if (binding.label && binding.label->parentWidget()->parentWidget() == group->box_->parentWidget())
+                width = std::max(width, binding.label->sizeHint().width());
+        }
+        group->grid_->setColumnMinimumWidth(0, width);
+    }
+}
+
 void TFormFields::SetTabOrder() const
 {
     for (qsizetype i = 1; i < tabOrder_.size(); ++i)

@@ -107,6 +107,8 @@ public:
     void SetCaption(QWidget *control, const QString &caption) const;
     // Tab order is declaration order.
     void SetTabOrder() const;
+    // Groups below each other begin their controls at the same place.
+    void AlignGroups() const;
 
 private:
     friend class TFormGroup;

@@ -50,6 +50,8 @@ public:
         table->setAlternatingRowColors(true);
         table->verticalHeader()->hide();
         table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+        table->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+        table->horizontalHeaderItem(0)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
         table->horizontalHeaderItem(1)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
         for (int row = 0; row < usages.size(); ++row) {
             table->setItem(row, 0, new QTableWidgetItem(usages[row].user));

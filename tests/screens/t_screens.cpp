@@ -14,7 +14,8 @@
 
 namespace {
 
-struct TScreenFacts {
+struct TScreenFacts
+{
     uint listMessage;
     const char *listForm;
     const char *grid;
@@ -31,21 +32,26 @@ constexpr TScreenFacts kScreens[] = {
     {9225, "TfrmIPBankMaintenance", "grdBanks", "TfrmIPBankAddDlg", "_iptblBanks", "idBank", 101600, 1909, "1 = 1"},
     {9228, "TfrmMedicareScalesMaint", "grdMedicareScales", "TfrmMedicareScalesDlg", "_iptblMedicareScales",
      "idMedicareScales", 104300, 1917, "iTaxYear = 2027", "WESD"},
-    {9237, "TfrmIPSFSSScalesMaintenance", "grdSFSSScales", "TfrmSFSSScalesDlg", "_iptblSFSSScales", "idSFSSScales", 104350,
-     1923, nullptr, "D"},
-    {9243, "TfrmIPTaxScalesMaintenance", "grdTaxScales", "TfrmIPTaxScalesAddDlg", "_iptblTaxScales", "idTaxScales", 104400,
-     1930, "bUserDefinable = 1 and iTaxYear = 2027", "D"},
+    {9237, "TfrmIPSFSSScalesMaintenance", "grdSFSSScales", "TfrmSFSSScalesDlg", "_iptblSFSSScales", "idSFSSScales",
+     104350, 1923, nullptr, "D"},
+    {9243, "TfrmIPTaxScalesMaintenance", "grdTaxScales", "TfrmIPTaxScalesAddDlg", "_iptblTaxScales", "idTaxScales",
+     104400, 1930, "bUserDefinable = 1 and iTaxYear = 2027", "D"},
     {9252, "TfrmIPHECSScalesMaintenance", "grdHECSScales", "TfrmIPHECSScalesAddDlg", "_iptblHECSScales", "idHECSScales",
      104250, 1913, "iTaxYear = 2027", "D"},
+    {9284, "TfrmIPRateFactorsMaintenance", "grdRateFactors", "TfrmIPRateFactorAddDlg", "_iptblRateFactors",
+     "idRateFactor", 103600, 1920, "1 = 1"},
+    {9409, "TfrmIPRateTypeMaintenance", "grdRateTypes", "TfrmIPRateTypeAddDlg", "_iptblRateTypes_TD", "idRateTypeTD",
+     103500, 1921, "cCode = 'SPARE'"},
 };
 
 // Every row of every table, for "nothing was written".
 QList<QStringList> Everything()
 {
     QList<QStringList> all;
-    for (const char *table : {"_iptblBanks", "_iptblTaxScales", "_iptblTaxBrackets", "_iptblMedicareScales", "_iptblHECSScales",
-                              "_iptblHECSBrackets", "_iptblSFSSScales", "_iptblSFSSBrackets", "_iptblRateTypes",
-                              "_iptblRateTypes_TD", "_iptblRateFactors", "_btblNotes", "_btblActivityLog"})
+    for (const char *table :
+         {"_iptblBanks", "_iptblTaxScales", "_iptblTaxBrackets", "_iptblMedicareScales", "_iptblHECSScales",
+          "_iptblHECSBrackets", "_iptblSFSSScales", "_iptblSFSSBrackets", "_iptblRateTypes", "_iptblRateTypes_TD",
+          "_iptblRateFactors", "_btblNotes", "_btblActivityLog"})
         all += RowsOf(QStringLiteral("select * from %1 order by 1").arg(QLatin1String(table)));
     return all;
 }
@@ -111,8 +117,8 @@ private Q_SLOTS:
         QStringList actions;
         for (const QAction *action : FindControl<QToolBar>(form, "tbMaintenance").actions())
             actions.append(action->isSeparator() ? "|" : action->objectName());
-        const QStringList fixed{"mniMaintAdd", "mniMaintEdit", "mniMaintDelete", "|", "mniNotes", "|",
-                                "mniSearch",   "|",            "mniGridSave"};
+        const QStringList fixed{"mniMaintAdd", "mniMaintEdit", "mniMaintDelete", "|", "mniNotes", "|", "mniSearch",
+                                "|",           "mniGridSave"};
         QCOMPARE(actions.mid(0, fixed.size()), fixed);
 
         TqsGrid &grid = FindControl<TqsGrid>(form, facts.grid);
@@ -156,8 +162,8 @@ private Q_SLOTS:
                     const QChar key = AccessKey(text);
                     if (key.isNull())
                         continue;
-                    QVERIFY2(!keys.contains(key) || QLatin1String(facts.sharedKeys).contains(key), qPrintable(QStringLiteral("%1 and %2 share an access key")
-                                                                 .arg(keys.value(key), text)));
+                    QVERIFY2(!keys.contains(key) || QLatin1String(facts.sharedKeys).contains(key),
+                             qPrintable(QStringLiteral("%1 and %2 share an access key").arg(keys.value(key), text)));
                     keys.insert(key, text);
                 }
                 // Tab goes from the top to the bottom of the fields.
