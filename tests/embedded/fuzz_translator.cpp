@@ -181,7 +181,8 @@ namespace {
 QString Mutated(const QStringList &seeds, QRandomGenerator &random)
 {
     const auto below = [&random](qsizetype limit) { return limit > 0 ? qsizetype(random.bounded(quint32(limit))) : 0; };
-    QString text = seeds[below(seeds.size())];
+    // half of them from the original corpus, lest the pool breeds one kind only
+    QString text = seeds[below(below(2) ? seeds.size() : qsizetype(std::size(kSeeds)))];
     const int changes = 1 + int(below(4));
     for (int i = 0; i < changes; ++i) {
         const qsizetype at = below(text.size() + 1);
