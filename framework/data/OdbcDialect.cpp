@@ -10,7 +10,7 @@ namespace {
 
 // From here on the driver sends a text as ntext, which SQL Server compares with nothing.
 constexpr int kLongText = 250;
-constexpr int kLongestVarchar = 8000;
+constexpr int kLongestText = 4000; // of nvarchar without max
 
 // Statements that the server accepts only as the first and only one of a batch.
 bool StandsAlone(const QString &sql)
@@ -36,12 +36,12 @@ QString ServerType(const TDbArgument &argument)
     case QMetaType::Double:
         return QStringLiteral("float");
     case QMetaType::QString:
-        if (argument.value.toString().size() > kLongestVarchar)
+        if (argument.value.toString().size() > kLongestText)
             throw TDbError(TDbError::Kind::TooLong, 8152,
                            QStringLiteral("The text for @%1 is longer than %2 characters.")
                                .arg(argument.name)
-                               .arg(kLongestVarchar));
-        return QStringLiteral("varchar(%1)").arg(kLongestVarchar);
+                               .arg(kLongestText));
+        return QStringLiteral("nvarchar(%1)").arg(kLongestText);
     case QMetaType::QDate:
     case QMetaType::QDateTime:
         return QStringLiteral("datetime");

@@ -243,7 +243,7 @@ void TOdbcPlumbingTest::serverTextForCalls()
                                              {"Day", QDate(2009, 9, 9), true},
                                              {"Note", QString(300, 'n')}});
     QCOMPARE(call.text,
-             "set nocount on; declare @qp_return int, @qp_1 varchar(8000), @qp_2 bit, @qp_3 float, @qp_4 int, "
+             "set nocount on; declare @qp_return int, @qp_1 nvarchar(4000), @qp_2 bit, @qp_3 float, @qp_4 int, "
              "@qp_5 datetime, @qp_6 nvarchar(max); set @qp_1 = :qp_1; set @qp_2 = :qp_2; set @qp_3 = :qp_3; "
              "set @qp_4 = :qp_4; set @qp_5 = :qp_5; set @qp_6 = :qp_6; exec @qp_return = dbo.p @ID = :qp_0, "
              "@Text = @qp_1 output, @Flag = @qp_2 output, @Rate = @qp_3 output, @Count = @qp_4 output, "
@@ -255,7 +255,7 @@ void TOdbcPlumbingTest::serverTextForCalls()
     QCOMPARE(KindThrown([&] { dialect.Call("p; drop table T", {}); }), Kind::Statement);
     QCOMPARE(KindThrown([&] { dialect.Call("p", {{"a = 1; drop table T --", 1}}); }), Kind::Statement);
     QCOMPARE(KindThrown([&] { dialect.Call("p", {{"a", QVariant(), true}}); }), Kind::Statement);
-    QCOMPARE(KindThrown([&] { dialect.Call("p", {{"a", QString(8001, 'x'), true}}); }), Kind::TooLong);
+    QCOMPARE(KindThrown([&] { dialect.Call("p", {{"a", QString(4001, 'x'), true}}); }), Kind::TooLong);
 }
 
 void TOdbcPlumbingTest::serverErrorNumbers_data()
