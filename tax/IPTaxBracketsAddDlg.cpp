@@ -56,6 +56,7 @@ protected:
         // What the scale's brackets do not have would be typed for nothing.
         const bool hasB = tempTable_.ColumnOf(u"CoefficientB") >= 0 || tempTable_.ColumnOf(u"fCoefficientB") >= 0;
         fields.SetEnabled(edtCoefficientB, hasB);
+        adjustSize();
         FocusControl(edtWeeklyEarnings);
     }
     void ValidateInformation(TChecks &check) override

@@ -118,11 +118,14 @@ void TfrmScaleDlg::BeforePost()
 void TfrmScaleDlg::ShowWithholding()
 {
     QList<TTaxBracket> brackets;
+    QString remark;
     for (int row = 0; row < Brackets().Count(); ++row) {
+        if (*bracketFacts_.coefficientC && Bracket(row, bracketFacts_.coefficientC) != 0)
+            remark = tr("Coefficient C is not part of this.");
         brackets.append({Bracket(row, kEarnings), Bracket(row, bracketFacts_.coefficientA),
                          *bracketFacts_.coefficientB ? Bracket(row, bracketFacts_.coefficientB) : 0.0});
     }
-    grpWithholding->SetBrackets(brackets);
+    grpWithholding->SetBrackets(brackets, remark);
 }
 
 bool TfrmScaleDlg::SaveFirst()

@@ -120,13 +120,13 @@ QList<QWidget *> TWithholdingPanel::Controls() const
     return {edtTryEarnings_, pgcWithholding_, pltWithholding_, grdWithholding_};
 }
 
-void TWithholdingPanel::SetBrackets(const QList<TTaxBracket> &brackets)
+void TWithholdingPanel::SetBrackets(const QList<TTaxBracket> &brackets, const QString &remark)
 {
     brackets_ = brackets;
+    remark_ = remark;
     setVisible(!brackets_.isEmpty());
     if (brackets_.isEmpty())
         return;
-    ShowPlot();
     ShowTable();
     ShowAmount();
     QStringList warnings = WithholdingWarnings(brackets_, rule_);
@@ -170,12 +170,13 @@ void TWithholdingPanel::ShowAmount()
                                                                       : tr("withholds %1").arg(MoneyText(at.amount)));
         QString formula = Formula(at);
         formula[0] = formula[0].toUpper();
-        lblFormula_->setText(formula);
+        lblFormula_->setText(remark_.isEmpty() ? formula : formula + QLatin1Char('\n') + remark_);
     }
+    ShowPlot();
     pltWithholding_->SetMarker(edtTryEarnings_->Value());
 }
 
-// Somewhat beyond the last threshold that is one.
+// Somewhat beyond the last threshold that is one, and beyond the amount that is tried.
 double TWithholdingPanel::EndOfPlot() const
 {
     double last = 0;
@@ -185,6 +186,7 @@ double TWithholdingPanel::EndOfPlot() const
     }
     if (last == 0)
         last = rule_ == TWithholdingRule::Yearly ? 150'000 : 3'000;
+    last = std::max(last, edtTryEarnings_->Value());
     const double step = NiceStep(last * 1.25, 5);
     return std::ceil(last * 1.1 / step) * step;
 }

@@ -18,8 +18,8 @@ class TWithholdingPanel final : public QGroupBox
 public:
     explicit TWithholdingPanel(TWithholdingRule rule, QWidget *parent = nullptr);
 
-    // Brackets in ascending order.
-    void SetBrackets(const QList<TTaxBracket> &brackets);
+    // Brackets in ascending order; `remark` is shown with the formula.
+    void SetBrackets(const QList<TTaxBracket> &brackets, const QString &remark = {});
     // The controls in tab order.
     QList<QWidget *> Controls() const;
 
@@ -33,6 +33,7 @@ private:
 
     const TWithholdingRule rule_;
     QList<TTaxBracket> brackets_;
+    QString remark_;
     TqsNumberEdit *edtTryEarnings_;
     QLabel *lblWithholding_;
     QLabel *lblFormula_;

@@ -314,15 +314,20 @@ TqsMemoryGrid::TqsMemoryGrid(const QList<TGridColumn> &columns, const QString &s
         horizontalHeader()->setStretchLastSection(true);
     ShowReadable(this);
     SetVisibleRows(8);
+    FitColumns();
 }
 
 void TqsMemoryGrid::SetVisibleRows(int rows)
 {
     const int height = verticalHeader()->defaultSectionSize();
     setMinimumHeight((rows + 1) * height + 2 * frameWidth() + 4);
+}
+
+void TqsMemoryGrid::FitColumns()
+{
     int width = verticalScrollBar()->sizeHint().width() + 2 * frameWidth();
-    for (const TGridColumn &column : table_->Columns())
-        width += column.visible ? column.width : 0;
+    for (int i = 0; i < table_->columnCount(); ++i)
+        width += isColumnHidden(i) ? 0 : table_->Columns()[i].width;
     setMinimumWidth(width);
 }
 
@@ -343,6 +348,7 @@ void TqsMemoryGrid::FocusRow(int row)
 void TqsMemoryGrid::SetColumnVisible(QStringView field, bool visible)
 {
     setColumnHidden(table_->ColumnOf(field), !visible);
+    FitColumns();
 }
 
 void TqsMemoryGrid::SetInPlace(bool inPlace)

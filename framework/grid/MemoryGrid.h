@@ -85,7 +85,7 @@ public:
     void FocusRow(int row); // the nearest one when there are fewer; none when there are none
     void SetColumnVisible(QStringView field, bool visible);
     void SetInPlace(bool inPlace);
-    // Rows that are in sight without scrolling, for the layout; columns of numbers share the width, a last text takes the rest.
+    // Rows that are in sight without scrolling, for the layout.
     void SetVisibleRows(int rows);
 
     // In place: adds a blank row below and edits its first cell; deletes the focused row.
@@ -105,6 +105,7 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    void FitColumns();
     TMemoryTable *table_;
     bool inPlace_ = false;
 };

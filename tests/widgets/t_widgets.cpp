@@ -74,6 +74,7 @@ void t_widgets::memoryGridInPlace()
     QVERIFY(edit);
     Type(*edit, "-12.345");
     PressKey(*edit, Qt::Key_Return);
+    QCoreApplication::processEvents(); // the delegate takes the value once the key is done
     QVERIFY(window.isVisible());
     QCOMPARE(grid->model()->index(0, 1).data().toString(), "12.35"); // no sign below a bound of 0
     grid->model()->setData(grid->model()->index(0, 1), 101.0);
