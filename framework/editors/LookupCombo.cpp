@@ -549,6 +549,10 @@ void TqsLookupCombo::keyPressEvent(QKeyEvent *event)
 {
     impl_->Settle();
     const int key = event->key();
+    if (event->text().isEmpty() && key >= Qt::Key_Shift && key <= Qt::Key_ScrollLock) {
+        QComboBox::keyPressEvent(event); // Shift for a capital is part of the typing
+        return;
+    }
     const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
     if (key == Qt::Key_Delete || key == Qt::Key_Backspace) {
         if (impl_->mayBeEmpty && plain)

@@ -369,8 +369,11 @@ void t_editors::maskShowsWhatDoesNotFit()
     QCOMPARE(bench.control.Value(), "01-0123-4567890");
     bench.Show();
     Type(bench.control, "");
+    Type(bench.control, "06200");
+    QVERIFY(!bench.control.hasAcceptableInput());
     Type(bench.control, "062001");
     QCOMPARE(bench.control.Value(), "062-001");
+    QVERIFY(bench.control.hasAcceptableInput());
 }
 
 void t_editors::maskStandsOnFirstOpenPosition()
@@ -504,6 +507,8 @@ void t_editors::checkList()
     list.SetIdText("12,99"); // 99: a record that the list does not offer
     QCOMPARE(list.IdText(), "12,99");
     QCOMPARE(list.List()->item(3)->text(), "#99");
+    list.SetItems({{12, "Twelve"}});
+    QCOMPARE(list.IdText(), "12,99");
     list.SetItems({{99, "Ninety-nine"}, {12, "Twelve"}});
     QCOMPARE(list.IdText(), "99,12");
     QCOMPARE(list.AllBox()->checkState(), Qt::Checked);
@@ -618,6 +623,13 @@ void t_editors::lookupByKeyboard()
     QCOMPARE(typed("bbb"), "BOQ");
     QCOMPARE(typed("bx"), "BOQ"); // what fits nothing changes nothing
     QCOMPARE(typed("%"), "");
+    for (const char letter : {'B', 'Q'}) { // a capital takes the Shift key, which types nothing itself
+        QTest::keyPress(&combo, Qt::Key_Shift);
+        QTest::keyClick(&combo, letter, Qt::ShiftModifier);
+        QTest::keyRelease(&combo, Qt::Key_Shift);
+    }
+    QCOMPARE(combo.currentText(), "BQL");
+    combo.SetKey(0);
     QTest::keyClick(&combo, Qt::Key_Down);
     QCOMPARE(combo.currentText(), "ANZ");
     QTest::keyClick(&combo, Qt::Key_Down);
@@ -699,6 +711,13 @@ void t_editors::lookupPopup()
     QCOMPARE(view.currentIndex().siblingAtColumn(0).data().toString(), "B00700");
     QTest::keyClicks(&view, "b01234");
     QCOMPARE(view.currentIndex().data().toString(), "B01234");
+    QCOMPARE(combo.Key(), BankId("B00700"));
+    for (int i = 0; i < 4; ++i)
+        QTest::keyClick(&view, Qt::Key_Home);
+    QCOMPARE(view.currentIndex().data().toString(), "B00001");
+    QTest::keyClicks(&view, "b00690"); // what lies around it holds the chosen one, too
+    QCOMPARE(view.currentIndex().data().toString(), "B00690");
+    QCOMPARE(view.model()->match(view.model()->index(0, 0), Qt::DisplayRole, "B00700", -1, Qt::MatchExactly).size(), 1);
     QCOMPARE(combo.Key(), BankId("B00700"));
     QTest::keyClick(&view, Qt::Key_Escape);
     QVERIFY(!view.isVisible());
