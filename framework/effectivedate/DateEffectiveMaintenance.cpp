@@ -32,10 +32,10 @@ void CarryVersionsForward(const TDateEffectiveFacts &facts)
         if (last == today)
             return;
         const bool stale = !MainConnection()
-                                .Select(QStringLiteral("select top 1 1 as n from %1 M inner join %2 T on T.%3 = M.%4 "
+                                .Select(QStringLiteral("select top 1 M.%4 from %1 M inner join %2 T on T.%3 = M.%4 "
                                                        "where T.iChangeType <> 3 and T.dEffectiveDate <= :today "
                                                        "and (T.dEndDate is null or T.dEndDate >= :today) "
-                                                       "and T.dEffectiveDate <> M.dEffectiveDate")
+                                                       "and T.dEffectiveDate <> M.dEffectiveDate order by M.%4")
                                             .arg(Name(facts.masterTable), Name(facts.versionTable),
                                                  Name(facts.masterColumn), Name(facts.masterKey)),
                                         {{QStringLiteral("today"), today}})

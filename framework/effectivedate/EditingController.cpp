@@ -174,8 +174,8 @@ QString TDateBasedEditingController::CheckBeforeSave(const QString &code, const 
 {
     const QString kind = QString::fromUtf8(facts_.kind);
     const bool moves = Moves(entered);
-    if (moves && ::Exists(QStringLiteral("select 1 as n from %1 where %2 = :master and dEffectiveDate = :date "
-                                         "and iChangeType <> 3 and %3 <> :version")
+    if (moves && ::Exists(QStringLiteral("select top 1 %3 from %1 where %2 = :master and dEffectiveDate = :date "
+                                         "and iChangeType <> 3 and %3 <> :version order by %3")
                               .arg(Name(facts_.versionTable), Name(facts_.masterColumn), Name(facts_.versionKey)),
                           {{QStringLiteral("master"), master_},
                            {QStringLiteral("date"), entered},
@@ -227,14 +227,14 @@ QString TDateBasedEditingController::CheckBeforeDelete(const QString &code) cons
 
     const TDbParams master{{QStringLiteral("master"), master_}};
     const bool onlyOne = !::Exists(
-        QStringLiteral("select top 1 1 as n from %1 where %2 = :master and iChangeType <> 3 and %3 <> :version")
+        QStringLiteral("select top 1 %3 from %1 where %2 = :master and iChangeType <> 3 and %3 <> :version order by %3")
             .arg(Name(facts_.versionTable), Name(facts_.masterColumn), Name(facts_.versionKey)),
         {{QStringLiteral("master"), master_}, {QStringLiteral("version"), version_}});
     if (onlyOne) {
         const bool held = std::any_of(facts_.holders.begin(), facts_.holders.end(), [&](const TDatedUse &use) {
-            return ::Exists(
-                QStringLiteral("select top 1 1 as n from %1 where %2 = :master").arg(Name(use.from), Name(use.column)),
-                master);
+            return ::Exists(QStringLiteral("select top 1 %2 from %1 where %2 = :master order by %2")
+                                .arg(Name(use.from), Name(use.column)),
+                            master);
         });
         if (held || AnyUse(facts_.components, master_))
             return FormatText(
@@ -245,13 +245,14 @@ QString TDateBasedEditingController::CheckBeforeDelete(const QString &code) cons
     }
 
     for (const TDatedUse &use : facts_.holders) {
-        const bool held = ::Exists(QStringLiteral("select 1 as n from %1 DBC where (DBC.%2 = :master) "
-                                                  "and (DBC.dEffectiveDate is null or DBC.dEffectiveDate <= :last) "
-                                                  "and (DBC.dEndDate >= :first or ISNULL(DBC.dEndDate,0) < 5)")
-                                       .arg(Name(use.from), Name(use.column)),
-                                   {{QStringLiteral("master"), master_},
-                                    {QStringLiteral("first"), start_},
-                                    {QStringLiteral("last"), LastDay()}});
+        const bool held =
+            ::Exists(QStringLiteral("select top 1 DBC.%2 from %1 DBC where (DBC.%2 = :master) "
+                                    "and (DBC.dEffectiveDate is null or DBC.dEffectiveDate <= :last) "
+                                    "and (DBC.dEndDate >= :first or ISNULL(DBC.dEndDate,0) < 5) order by DBC.%2")
+                         .arg(Name(use.from), Name(use.column)),
+                     {{QStringLiteral("master"), master_},
+                      {QStringLiteral("first"), start_},
+                      {QStringLiteral("last"), LastDay()}});
         if (held)
             return FormatText(
                 "Unable to delete this record as employees or components have been assigned %s \"%s\" effective "

@@ -216,6 +216,7 @@ TFormGroup &TFormGroup::Choice(QComboBox *&control, const char *name, const char
 {
     control = new QComboBox(box_);
     control->addItems(texts);
+    ShowReadable(control);
     TFieldBinding &binding = Bind(control, AddRow(control, name, caption, true), caption, &column);
     binding.load = [combo = control, &column] { combo->setCurrentIndex(column.Get()); };
     binding.save = [combo = control, &column] { column.Set(combo->currentIndex()); };

@@ -104,7 +104,7 @@ bool AnyUse(std::span<const TInUse> tables, int id)
 {
     return std::any_of(tables.begin(), tables.end(), [id](const TInUse &use) {
         return !MainConnection()
-                    .Select(QStringLiteral("select top 1 1 as n from %1 where %2 = :id")
+                    .Select(QStringLiteral("select top 1 %2 from %1 where %2 = :id order by %2")
                                 .arg(QString::fromLatin1(use.table), QString::fromLatin1(use.column)),
                             {{QStringLiteral("id"), id}})
                     .isEmpty();

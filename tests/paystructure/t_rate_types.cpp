@@ -271,11 +271,12 @@ void t_rate_types::dateChecks_data()
     QTest::newRow("previous years count") << "OT20" << QDate(2026, 3, 11) << true << used("OT20", Day(12, 3, 2026));
     QTest::newRow("previous years, advice no earlier than the period")
         << "OT20" << QDate(2026, 3, 11) << false << used("OT20", Day(1, 11, 2026));
-    // Held by fortnightly employees, so the month does not count.
-    QTest::newRow("early, by the holders' period") << "FIRSTAID" << QDate(2026, 11, 18) << false << "";
     // Nobody's: the earliest current period of all.
     QTest::newRow("early") << "SPARE" << QDate(2026, 10, 31) << false << before.arg(Day(1, 11, 2026));
-    QTest::newRow("first day of the period") << "SPARE" << QDate(2026, 11, 1) << false << "";
+    QTest::newRow("first day of the period, with backpay") << "SPARE" << QDate(2026, 11, 1) << true << "";
+    // WET is given to a fortnightly employee, so the month does not count for it.
+    QTest::newRow("early, by the holder's period")
+        << "WET" << QDate(2026, 11, 17) << false << before.arg(Day(18, 11, 2026));
     QTest::newRow("early with backpay") << "SPARE" << QDate(2026, 10, 31) << true << "";
 }
 
@@ -287,6 +288,9 @@ void t_rate_types::dateChecks()
     QFETCH(QString, message);
     TWorld world;
     world.SetParameter("bBackpayEnabled", backpay);
+    MainConnection().Execute("insert _iptblEmployeeAdditionalRates (iEmployeeID, iAddRateTypeID, dEffectiveDate) "
+                             "select E.idEmployee, R.idRateType, '20261201' from _iptblEmployee E, _iptblRateTypes R "
+                             "where E.cCode = 'E003' and R.cCode = 'WET'");
     QWidget &list = world.OpenList();
     const QStringList before = Chain(code);
     TUserScript script;
@@ -301,7 +305,7 @@ void t_rate_types::dateChecks()
     });
     if (!message.isEmpty())
         script.Box(message);
-    else if (backpay)
+    else if (backpay && date < QDate(2026, 11, 1))
         script.Box(QString("Additional Rate \"%1\" has been back-dated").arg(code));
     NewEffectiveDate(list, Grid(list).FocusKey(Version(code)) ? Version(code) : 0);
     VERIFY_SCRIPT(script);
