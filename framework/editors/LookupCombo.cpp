@@ -185,16 +185,20 @@ public:
     }
     std::function<void(const QString &)> Type;
     std::function<void(bool last)> Jump;
+    std::function<void()> Move; // by any other key
 
     void keyboardSearch(const QString &text) override { Type(text); }
 
 protected:
     void keyPressEvent(QKeyEvent *event) override
     {
-        if (event->key() == Qt::Key_Home || event->key() == Qt::Key_End)
+        if (event->key() == Qt::Key_Home || event->key() == Qt::Key_End) {
             Jump(event->key() == Qt::Key_End);
-        else
-            QTreeView::keyPressEvent(event);
+            return;
+        }
+        if (event->text().isEmpty() || !event->text().at(0).isPrint())
+            Move();
+        QTreeView::keyPressEvent(event);
     }
 };
 
@@ -474,7 +478,9 @@ TqsLookupCombo::TqsLookupCombo(QWidget *parent)
             impl_->view->setCurrentIndex(impl_->model->index(row, 0));
         });
     };
+    impl_->view->Move = [this] { impl_->typed.clear(); };
     impl_->view->Jump = [this](bool last) {
+        impl_->typed.clear();
         impl_->Guarded([&] {
             impl_->JumpTo(last, true);
             const int first = impl_->model->Pinned() ? 1 : 0;

@@ -376,10 +376,13 @@ void t_banks::copySavesANewBank()
                 })
         .Box("Code already exists.")
         .Box("The BSB Number already exists!");
-    SendToPackage(kBankDialog, id, 1);
+    QWidget &list = world.OpenList();
+    Grid(list).FocusKey(id);
+    Trigger(list, "mniMaintCopy");
     VERIFY_SCRIPT(script);
     QCOMPARE(Banks(), (QList<QStringList>{original, {"2", "CBA2", "Commonwealth", "Sydney", "062-002", "NULL"}}));
     QCOMPARE(world.control.TakeLog(), "9227:2");
+    QCOMPARE(Grid(list).FocusedKey(), 2);
 }
 
 void t_banks::cancelWritesNothing_data()
@@ -465,8 +468,9 @@ void t_banks::deleteMovesToTheNeighbour()
     const auto removeFocused = [&](const char *code) {
         script.Box(QStringLiteral("Delete Bank \"%1\" ?").arg(code), QMessageBox::Yes);
         Trigger(list, "mniMaintDelete");
+        const int focused = grid.FocusedKey(); // at once, not by the notification
         world.control.Process();
-        return grid.FocusedKey();
+        return focused == grid.FocusedKey() ? focused : -1;
     };
     grid.FocusKey(ids[1]);
     QCOMPARE(removeFocused("B1"), ids[2]);

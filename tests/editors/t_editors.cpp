@@ -670,6 +670,9 @@ void t_editors::lookupOfManyRows()
     QTest::keyClicks(&combo, "b022");
     QCOMPARE(combo.currentText(), "B02200");
     combo.SetKey(id);
+    for (const char *wildcard : {"%5", "_", "["})
+        QTest::keyClicks(&combo, wildcard);
+    QCOMPARE(combo.Key(), id);
     QTest::keyClicks(&combo, "102345");
     QCOMPARE(combo.currentText(), "B02345");
     QCOMPARE(combo.Field(u"cBankName").toString(), "Name 155");
