@@ -38,6 +38,7 @@ void Settle(QWidget *screen)
 class TPhotographer final : public QObject
 {
 public:
+    // Without a folder no window is expected: each is a problem.
     explicit TPhotographer(const QString &folder)
         : folder_(folder)
     {
@@ -58,6 +59,10 @@ public:
 
     void Take(QWidget *window, const QString &suffix = {})
     {
+        if (folder_.isEmpty()) {
+            AddProblem(QStringLiteral("the window \"%1\" opened").arg(window->windowTitle()));
+            return;
+        }
         const QString file = QStringLiteral("%1/%2%3.png").arg(folder_, name_, suffix);
         if (window->grab().save(file)) {
             ++taken_;
@@ -223,7 +228,7 @@ bool TakeTour(TfrmMain &window, const QString &folder)
 bool ExportList(TfrmMain &window, uint message, const QString &file)
 {
     // A box here would wait for an answer that nobody gives.
-    TPhotographer boxes({});
+    TPhotographer boxes{QString()};
     boxes.SetName(QStringLiteral("message %1").arg(message));
     const bool handled = window.SendPackageMessage(message, 0, 0);
     QWidget *screen = window.CurrentScreen();
