@@ -179,7 +179,7 @@ void TfrmMaintenanceBase::BuildSearchPanel()
     lblSearchResult->setObjectName(QStringLiteral("lblSearchResult"));
     row->addWidget(lblSearchResult);
     row->addSpacing(16);
-    addLabelled(edtFilter, "edtFilter", tr("&Filter:"), tr("Show only records that hold this text"));
+    addLabelled(edtFilter, "edtFilter", tr("F&ilter:"), tr("Show only records that hold this text"));
     row->addSpacing(16);
     lblRecordCount = new QLabel(pnlSearch);
     lblRecordCount->setObjectName(QStringLiteral("lblRecordCount"));
