@@ -169,6 +169,12 @@ private:
 } // namespace
 
 // The drop-down. It hands typing and the ends of a long list to the combo box, which alone knows how to read.
+// Shift for a capital is part of the typing.
+bool IsModifier(const QKeyEvent *event)
+{
+    return event->text().isEmpty() && event->key() >= Qt::Key_Shift && event->key() <= Qt::Key_ScrollLock;
+}
+
 class TLookupView final : public QTreeView
 {
 public:
@@ -196,7 +202,7 @@ protected:
             Jump(event->key() == Qt::Key_End);
             return;
         }
-        if (event->text().isEmpty() || !event->text().at(0).isPrint())
+        if (!IsModifier(event) && (event->text().isEmpty() || !event->text().at(0).isPrint()))
             Move();
         QTreeView::keyPressEvent(event);
     }
@@ -555,8 +561,8 @@ void TqsLookupCombo::keyPressEvent(QKeyEvent *event)
 {
     impl_->Settle();
     const int key = event->key();
-    if (event->text().isEmpty() && key >= Qt::Key_Shift && key <= Qt::Key_ScrollLock) {
-        QComboBox::keyPressEvent(event); // Shift for a capital is part of the typing
+    if (IsModifier(event)) {
+        QComboBox::keyPressEvent(event);
         return;
     }
     const bool plain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));

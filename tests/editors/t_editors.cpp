@@ -89,6 +89,7 @@ private Q_SLOTS:
     void numbers_data();
     void numbers();
     void numberSetByCode();
+    void numberInTheFirstField();
     void numberTellsChangesOnce();
     void hours_data();
     void hours();
@@ -206,6 +207,19 @@ void t_editors::numberSetByCode()
     bench.Leave();
     QCOMPARE(edit.text(), "2.5000%");
     QVERIFY(edit.alignment().testFlag(Qt::AlignRight));
+}
+
+// The first field of a window gets the focus with the window's activation.
+void t_editors::numberInTheFirstField()
+{
+    TBench<TqsNumberEdit> bench;
+    bench.control.SetSuffix("%");
+    bench.control.SetValue(5);
+    bench.control.setFocus();
+    ShowActive(bench.window);
+    QCOMPARE(bench.control.text(), "5.00");
+    QTest::keyClicks(&bench.control, "7");
+    QCOMPARE(bench.control.Value(), 7);
 }
 
 void t_editors::numberTellsChangesOnce()
@@ -712,7 +726,9 @@ void t_editors::lookupPopup()
     QVERIFY(view.isVisible());
     QCOMPARE(view.model()->headerData(2, Qt::Horizontal).toString(), "Bank");
     QCOMPARE(view.currentIndex().siblingAtColumn(0).data().toString(), "B00700");
-    QTest::keyClicks(&view, "b01234");
+    QTest::keyClick(&view, Qt::Key_B, Qt::ShiftModifier);
+    QTest::keyPress(&view, Qt::Key_Shift);
+    QTest::keyClicks(&view, "01234");
     QCOMPARE(view.currentIndex().data().toString(), "B01234");
     QCOMPARE(combo.Key(), BankId("B00700"));
     for (int i = 0; i < 4; ++i)
