@@ -76,7 +76,12 @@ void TfrmDateEffectiveDlg::CheckDates(TChecks &check) const
 void TfrmDateEffectiveDlg::WriteMaster()
 {
     master_.SelectRecords(master_.KeyField(), masterID_, false);
-    if (masterID_ == 0 || master_.IsEmpty())
+    if (masterID_ != 0 && master_.IsEmpty() && !query_.IsAppending()) {
+        TRecordConflict conflict;
+        conflict.gone = true;
+        throw conflict;
+    }
+    if (master_.IsEmpty())
         master_.brAppend(true);
     else
         master_.brEdit(true);

@@ -41,6 +41,9 @@ protected:
     void FormShow() override;
     // The check of the effective date, for the end of the descendant's checks: not asked of a new record.
     void CheckDates(TChecks &check) const;
+    // The master row that a save wrote; for SaveChildren, which runs after it was posted and before its version is
+    // written.
+    int SavedMasterID() const { return master_.KeyValue(); }
     // Whether rows saved by SaveChildren differ from what was loaded.
     virtual bool ChildrenModified() const { return false; }
     bool SaveRecord() override;

@@ -89,7 +89,7 @@ TfrmDateEffectiveMaintenance::TfrmDateEffectiveMaintenance(const TMaintenanceFac
     row->addStretch();
     row->addWidget(chkShowPastValues);
     header->addLayout(row);
-    setTabOrder(chkShowPastValues, edtSearch);
+    setTabOrder(edtSearch->previousInFocusChain(), chkShowPastValues);
 
     auto *below = new QVBoxLayout(pnlBelowGrid);
     below->setContentsMargins(0, 0, 0, 0);

@@ -446,10 +446,22 @@ void t_rate_types::otherUsersChange()
                 })
         .Box("Another user has deleted this record while you were editing it.", "&Save Mine as New");
     QVERIFY(SendToPackage(kDialog, version));
-    VERIFY_SCRIPT(script);
     QVERIFY(Version("REMOTE") > version);
     QCOMPARE(RowsOf("select cDescription, fRate from _iptblRateTypes where cCode = 'REMOTE'"),
              (QList<QStringList>{{"Again", "99"}}));
+
+    QWidget &list = world.OpenList();
+    script
+        .Dialog(kForm,
+                [&](QDialog &dialog) {
+                    EffectiveDate(dialog).SetDate(QDate(2027, 5, 1));
+                    MainConnection().Execute("delete from _iptblRateTypes where cCode = 'REMOTE'");
+                    PressOK(dialog);
+                })
+        .Box("Another user has deleted this record while you were editing it.", "&Leave It Deleted");
+    NewEffectiveDate(list, Version("REMOTE"));
+    VERIFY_SCRIPT(script);
+    QVERIFY(RowsOf("select idRateType from _iptblRateTypes where cCode = 'REMOTE'").isEmpty());
 }
 
 void t_rate_types::payClassesFollowTheVersionId_data()
@@ -778,14 +790,16 @@ void t_rate_types::whereUsed()
     QVERIFY(SendToPackage(9284));
     QWidget &factors = *world.host.Screens.last();
     TUserScript script;
-    // One pay class that refers to the factor twice is one record.
+    // A pay class that refers to the factor twice is one record; one that does by its second column alone is another.
     MainConnection().Execute("update _iptblPayClasses set iDoubleRateFactor = iTimeHalfRateFactor");
+    MainConnection().Execute("insert _iptblPayClasses (cCode, iDoubleRateFactor) "
+                             "select 'OTHER', idRateFactor from _iptblRateFactors where cCode = 'HALF'");
     QVERIFY(FindControl<TqsGrid>(&factors, "grdRateFactors")
                 .FocusKey(ValueOf("select idRateFactor from _iptblRateFactors where cCode = 'HALF'").toInt()));
     script.Dialog("frmWhereUsed", [](QDialog &dialog) {
         const auto &table = FindControl<QTableWidget>(&dialog, "grdWhereUsed");
         QCOMPARE(table.rowCount(), 1);
-        QCOMPARE(table.item(0, 0)->text() + table.item(0, 1)->text(), "Pay Classes1");
+        QCOMPARE(table.item(0, 0)->text() + " " + table.item(0, 1)->text(), "Pay Classes 2");
         dialog.reject();
     });
     Trigger(factors, "mniWhereUsed");
