@@ -10,8 +10,7 @@ class CORVEX_API TqryIPHECSScales final : public TTaxYearQuery
 public:
     explicit TqryIPHECSScales(QObject *owner = nullptr)
         : TTaxYearQuery("_iptblHECSScales", "idHECSScales", Keys::Client, owner)
-    {
-    }
+    {}
 
     TEXT_COLUMN(Code, "cCode", 10)
     TEXT_COLUMN(Description, "cDescription", 100)
@@ -24,8 +23,7 @@ class CORVEX_API TqryIPHECSBrackets final : public TCorvexADOQuery
 public:
     explicit TqryIPHECSBrackets(QObject *owner = nullptr)
         : TCorvexADOQuery("_iptblHECSBrackets", "idHECSBrackets", Keys::Client, owner)
-    {
-    }
+    {}
 
     INT_COLUMN(ScalesID, "iHECSScalesID")
     INT_COLUMN(TaxYear, "iTaxYear")

@@ -10,8 +10,7 @@ class CORVEX_API TQryIPMedicareScales final : public TTaxYearQuery
 public:
     explicit TQryIPMedicareScales(QObject *owner = nullptr)
         : TTaxYearQuery("_iptblMedicareScales", "idMedicareScales", Keys::Client, owner)
-    {
-    }
+    {}
 
     int GetIdMedicareScales() const { return KeyValue(); }
     TEXT_COLUMN(Code, "cCode", 10)

@@ -10,8 +10,7 @@ class CORVEX_API TqryIPSFSSScales final : public TTaxYearQuery
 public:
     explicit TqryIPSFSSScales(QObject *owner = nullptr)
         : TTaxYearQuery("_iptblSFSSScales", "idSFSSScales", Keys::Client, owner)
-    {
-    }
+    {}
 
     TEXT_COLUMN(Code, "cCode", 10)
     TEXT_COLUMN(Description, "cDescription", 100)
@@ -24,8 +23,7 @@ class CORVEX_API TqryIPSFSSBrackets final : public TCorvexADOQuery
 public:
     explicit TqryIPSFSSBrackets(QObject *owner = nullptr)
         : TCorvexADOQuery("_iptblSFSSBrackets", "idSFSSBrackets", Keys::Client, owner)
-    {
-    }
+    {}
 
     INT_COLUMN(ScalesID, "iSFSSScalesID")
     INT_COLUMN(TaxYear, "iTaxYear")

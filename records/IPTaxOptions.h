@@ -11,8 +11,7 @@ class CORVEX_API TqryIPTaxOptions final : public TCorvexADOQuery
 public:
     explicit TqryIPTaxOptions(QObject *owner = nullptr)
         : TCorvexADOQuery("_iptblTaxOptions", "idTaxOptions", Keys::Server, owner)
-    {
-    }
+    {}
 
     INT_COLUMN(TaxYear, "iTaxYear")
     INT_COLUMN(Country, "iCountry")

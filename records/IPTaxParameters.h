@@ -10,8 +10,7 @@ class CORVEX_API TqryIPTaxParameters final : public TCorvexADOQuery
 public:
     explicit TqryIPTaxParameters(QObject *owner = nullptr)
         : TCorvexADOQuery("_iptblSGLTaxParameters", "idSGLTaxParameters", Keys::Server, owner)
-    {
-    }
+    {}
 
     INT_COLUMN(TaxYear, "iTaxYear")
     INT_COLUMN(Country, "iCountry")

@@ -11,8 +11,7 @@ class CORVEX_API TqryIPTaxParametersNZ final : public TCorvexADOQuery
 public:
     explicit TqryIPTaxParametersNZ(QObject *owner = nullptr)
         : TCorvexADOQuery("_iptblTaxParametersNZ", "idTaxParametersNZ", Keys::Server, owner)
-    {
-    }
+    {}
 
     INT_COLUMN(TaxYear, "iTaxYear")
     INT_COLUMN(Country, "iCountry")
@@ -47,8 +46,7 @@ class CORVEX_API TqryIPLumpSumTaxRates final : public TCorvexADOQuery
 public:
     explicit TqryIPLumpSumTaxRates(QObject *owner = nullptr)
         : TCorvexADOQuery("_iptblLumpSumTaxRates", "idLumpSumTaxRate", Keys::Server, owner)
-    {
-    }
+    {}
 
     INT_COLUMN(TaxYear, "iTaxYear")
     INT_COLUMN(Country, "iCountry")
@@ -62,8 +60,7 @@ class CORVEX_API TqryIPTaxRebates final : public TCorvexADOQuery
 public:
     explicit TqryIPTaxRebates(QObject *owner = nullptr)
         : TCorvexADOQuery("_iptblTaxRebates", "idTaxRebate", Keys::Server, owner)
-    {
-    }
+    {}
 
     INT_COLUMN(TaxYear, "iTaxYear")
     INT_COLUMN(Country, "iCountry")

@@ -11,8 +11,7 @@ class CORVEX_API TADOQryPRTaxScales final : public TCorvexADOQuery
 public:
     explicit TADOQryPRTaxScales(QObject *owner = nullptr)
         : TCorvexADOQuery("_iptblTaxScales", "idTaxScales", Keys::Client, owner)
-    {
-    }
+    {}
 
     int GetTaxScalesID() const { return KeyValue(); }
     void SetTaxScalesID(int id) { SetKeyValue(id); }
@@ -41,8 +40,7 @@ class CORVEX_API TADOQryPRTaxBrackets final : public TCorvexADOQuery
 public:
     explicit TADOQryPRTaxBrackets(QObject *owner = nullptr)
         : TCorvexADOQuery("_iptblTaxBrackets", "idTaxBrackets", Keys::Client, owner)
-    {
-    }
+    {}
 
     INT_COLUMN(TaxScalesID, "iTaxScalesID")
     TEXT_COLUMN(TaxScaleCode, "cTaxScaleCode", 10)

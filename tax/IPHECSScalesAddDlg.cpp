@@ -8,21 +8,21 @@
 namespace {
 
 constexpr TDialogFacts kHECSScale{"TfrmIPHECSScalesAddDlg",
-                                 "Add / Edit STSL Scales",
-                                 "Add New STSL Scale",
-                                 "Edit Study and Training Support Loan (STSL) Scale \"%s\"",
-                                 "Copy STSL Scale \"%s\"",
-                                 104290,
-                                 9254,
-                                 "STSL Scale"};
+                                  "Add / Edit STSL Scales",
+                                  "Add New STSL Scale",
+                                  "Edit Study and Training Support Loan (STSL) Scale \"%s\"",
+                                  "Copy STSL Scale \"%s\"",
+                                  104290,
+                                  9254,
+                                  "STSL Scale"};
 
 constexpr TBracketFacts kHECSBrackets{"STSL Brackets",
-                                     "You must save this STSL Scale before continuing.\nDo you want to save it now?",
-                                     "Are you sure you want to delete this STSL Bracket?",
-                                     "CoefficientA",
-                                     "CoefficientB",
-                                     "",
-                                     true};
+                                      "You must save this STSL Scale before continuing.\nDo you want to save it now?",
+                                      "Are you sure you want to delete this STSL Bracket?",
+                                      "CoefficientA",
+                                      "CoefficientB",
+                                      "",
+                                      true};
 
 const char kMaxKey[] = "select Max(idHECSScales) as iMaxScaleID from _iptblHECSScales";
 const char kDeleteBrackets[] = "delete from _iptblHECSBrackets where iHECSScalesID=:id and iTaxYear = :year";
@@ -77,7 +77,7 @@ protected:
     {
         TqryIPHECSBrackets qryHECSBrackets;
         qryHECSBrackets.SelectWhere("iHECSScalesID = :scale and iTaxYear = :year",
-                                  {{"scale", RecordID()}, {"year", TaxYear()}}, "fWeeklyEarnings");
+                                    {{"scale", RecordID()}, {"year", TaxYear()}}, "fWeeklyEarnings");
         QList<QVariantMap> rows;
         for (bool more = !qryHECSBrackets.IsEmpty(); more; more = qryHECSBrackets.Next()) {
             rows.append({{"idHECSBracket", qryHECSBrackets.KeyValue()},

@@ -8,13 +8,13 @@
 namespace {
 
 constexpr TMaintenanceFacts kHECSScales{"TfrmIPHECSScalesMaintenance",
-                                      "STSL Scales Maintenance",
-                                      "STSL Scales",
-                                      "STSL Scale List",
-                                      "grdHECSScales",
-                                      1913,
-                                      104250,
-                                      9254};
+                                        "STSL Scales Maintenance",
+                                        "STSL Scales",
+                                        "STSL Scale List",
+                                        "grdHECSScales",
+                                        1913,
+                                        104250,
+                                        9254};
 
 const char kDeleteScale[] = "delete from _iptblHECSScales where idHECSScales = :id";
 const char kDeleteBrackets[] = "delete from _iptblHECSBrackets where iHECSScalesID  = :id";

@@ -3,6 +3,6 @@
 
 class TList;
 
-// The study and training support loan (STSL) scales of the current tax year. Modal: returns when it is closed, SelectedList
-// then holds the ids chosen.
+// The study and training support loan (STSL) scales of the current tax year. Modal: returns when it is closed,
+// SelectedList then holds the ids chosen.
 void DoHECSScalesMaintenance(bool Modal, TList *SelectedList, bool MultiSelect);

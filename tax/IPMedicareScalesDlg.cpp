@@ -7,10 +7,14 @@
 
 namespace {
 
-constexpr TDialogFacts kMedicareScale{"TfrmMedicareScalesDlg",       "Add / Edit Medicare Scales",
-                                      "Add New Medicare Scale",      "Edit Medicare Scale \"%s\"",
-                                      "Copy Medicare Scale \"%s\"", 104340,
-                                      9230,                          "Medicare Scale"};
+constexpr TDialogFacts kMedicareScale{"TfrmMedicareScalesDlg",
+                                      "Add / Edit Medicare Scales",
+                                      "Add New Medicare Scale",
+                                      "Edit Medicare Scale \"%s\"",
+                                      "Copy Medicare Scale \"%s\"",
+                                      104340,
+                                      9230,
+                                      "Medicare Scale"};
 
 const char kTaxYear[] = "select Country, EndTaxYear from Defaults";
 const char kMaxKey[] = "select Max(idMedicareScales) as iMaxScaleID from _iptblMedicareScales";
@@ -55,19 +59,23 @@ protected:
     // The code of an existing scale may be changed, so it is checked on every save.
     void ValidateInformation(TChecks &check) override
     {
-        const auto notNegative = [&check](TqsNumberEdit *edit, const char *text) { check(edit, edit->Value() >= 0, text); };
+        const auto notNegative = [&check](TqsNumberEdit *edit, const char *text) {
+            check(edit, edit->Value() >= 0, text);
+        };
         check(edtCode, NotBlank(edtCode), "The Code may not be blank.");
         check(edtCode, NoApostrophe(edtCode), "The Medicare Scale Code is invalid!");
-        check(edtCode,
-              [this] {
-                  return !qryMedicareScales.RecordsExistCriteria(
-                      "idMedicareScales <> :id and iTaxYear = :year and cCode = :code",
-                      {{"id", RecordID()}, {"year", TaxYear()}, {"code", edtCode->text().trimmed()}});
-              },
-              "Code already exists.");
+        check(
+            edtCode,
+            [this] {
+                return !qryMedicareScales.RecordsExistCriteria(
+                    "idMedicareScales <> :id and iTaxYear = :year and cCode = :code",
+                    {{"id", RecordID()}, {"year", TaxYear()}, {"code", edtCode->text().trimmed()}});
+            },
+            "Code already exists.");
         check(edtDescription, NotBlank(edtDescription), "The Description may not be blank.");
         notNegative(edtWeeklyEarningsThreshold, "The Weekly Earnings Threshold may not be less than 0!");
-        notNegative(edtWeeklyEarningsShadeInThreshold, "The Weekly Earnings Shade in Threshold may not be less than 0!");
+        notNegative(edtWeeklyEarningsShadeInThreshold,
+                    "The Weekly Earnings Shade in Threshold may not be less than 0!");
         // Three texts name an upper bound that has never been a limit.
         notNegative(edtFamilyThreshold, "Family Threshold must be between 0 and 32 000.");
         notNegative(edtWFTDivisor, "WFT Divisor must be between 0 and 100!");

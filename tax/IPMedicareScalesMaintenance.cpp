@@ -74,13 +74,15 @@ protected:
             DoMedicareScalesAdd(FocusedID(), true);
     }
 
-    QString DeleteQuestion() const override { return "Delete Medicare Scales \"" + qryMedicareScales.GetCode() + "\"?"; }
+    QString DeleteQuestion() const override
+    {
+        return "Delete Medicare Scales \"" + qryMedicareScales.GetCode() + "\"?";
+    }
     std::span<const TInUse> InUseTables() const override { return kInUse; }
     bool CheckBeforeDelete() override { return CheckInUse(kInUse, kMedicareInUse, qryMedicareScales.GetCode()); }
     void DeleteRecord() override
     {
-        DeleteAndTell(
-            [this] { return qryMedicareScales.ExecuteThisSQL(kDeleteScale, true, {{"id", FocusedID()}}); });
+        DeleteAndTell([this] { return qryMedicareScales.ExecuteThisSQL(kDeleteScale, true, {{"id", FocusedID()}}); });
     }
 
 private:

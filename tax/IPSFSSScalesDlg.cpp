@@ -8,21 +8,22 @@
 namespace {
 
 constexpr TDialogFacts kSFSSScale{"TfrmSFSSScalesDlg",
-                                 "Add / Edit SFSS Scales",
-                                 "Add SFSS Scales",
-                                 "Edit SFSS Scales \"%s\"",
-                                 "Copy SFSS Scales \"%s\"",
-                                 104390,
-                                 9239,
-                                 "SFSS Scale"};
+                                  "Add / Edit SFSS Scales",
+                                  "Add SFSS Scales",
+                                  "Edit SFSS Scales \"%s\"",
+                                  "Copy SFSS Scales \"%s\"",
+                                  104390,
+                                  9239,
+                                  "SFSS Scale"};
 
-constexpr TBracketFacts kSFSSBrackets{"SFSS Brackets",
-                                     "You must save this Help/HECS Scale before continuing.\nDo you want to save it now?",
-                                     "Are you sure you want to delete this SFSS Bracket?",
-                                     "CoefficientA",
-                                     "",
-                                     "",
-                                     true};
+constexpr TBracketFacts kSFSSBrackets{
+    "SFSS Brackets",
+    "You must save this Help/HECS Scale before continuing.\nDo you want to save it now?",
+    "Are you sure you want to delete this SFSS Bracket?",
+    "CoefficientA",
+    "",
+    "",
+    true};
 
 const char kMaxKey[] = "select Max(idSFSSScales) as iMaxScaleID from _iptblSFSSScales";
 const char kDeleteBrackets[] = "delete from _iptblSFSSBrackets where iSFSSScalesID=:id and iTaxYear = :year";
@@ -76,7 +77,7 @@ protected:
     {
         TqryIPSFSSBrackets qrySFSSBrackets;
         qrySFSSBrackets.SelectWhere("iSFSSScalesID = :scale and iTaxYear = :year",
-                                  {{"scale", RecordID()}, {"year", TaxYear()}}, "fWeeklyEarnings");
+                                    {{"scale", RecordID()}, {"year", TaxYear()}}, "fWeeklyEarnings");
         QList<QVariantMap> rows;
         for (bool more = !qrySFSSBrackets.IsEmpty(); more; more = qrySFSSBrackets.Next()) {
             rows.append({{"idSFSSBracket", qrySFSSBrackets.KeyValue()},

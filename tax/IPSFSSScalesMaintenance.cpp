@@ -8,13 +8,13 @@
 namespace {
 
 constexpr TMaintenanceFacts kSFSSScales{"TfrmIPSFSSScalesMaintenance",
-                                      "SFSS Scales Maintenance",
-                                      "SFSS Scales",
-                                      "SFSS Scale List",
-                                      "grdSFSSScales",
-                                      1923,
-                                      104350,
-                                      9239};
+                                        "SFSS Scales Maintenance",
+                                        "SFSS Scales",
+                                        "SFSS Scale List",
+                                        "grdSFSSScales",
+                                        1923,
+                                        104350,
+                                        9239};
 
 const char kDeleteScale[] = "delete from _iptblSFSSScales where idSFSSScales = :id";
 const char kDeleteBrackets[] = "delete from _iptblSFSSBrackets where iSFSSScalesID = :id";

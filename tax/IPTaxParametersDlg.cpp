@@ -11,13 +11,14 @@
 
 namespace {
 
-struct TPreservationAge {
+struct TPreservationAge
+{
     const char *dateOfBirth;
     const char *age;
 };
 
 constexpr TPreservationAge kPreservationAges[] = {
-    {"Before 01/07/1960", "55"},        {"01/07/1960 - 30/06/1961", "56"}, {"01/07/1961 - 30/06/1962", "57"},
+    {"Before 01/07/1960", "55"},       {"01/07/1960 - 30/06/1961", "56"}, {"01/07/1961 - 30/06/1962", "57"},
     {"01/07/1962 - 30/06/1963", "58"}, {"01/07/1963 - 30/06/1964", "59"}, {"After 30/06/1964", "60"},
 };
 
@@ -70,8 +71,8 @@ public:
                     qry.TermPost93GrossLimit, 4)
             .Number(edtTermAssAmtPercent, "edtTermAssAmtPercent", "&Comp B Assessable Percentage",
                     qry.TermAssAmtPercent, 2, 100)
-            .Number(edtTermSpecRateMedLevy, "edtTermSpecRateMedLevy", "&Medicare Levy Rate", qry.TermSpecRateMedLevy,
-                    2, 100);
+            .Number(edtTermSpecRateMedLevy, "edtTermSpecRateMedLevy", "&Medicare Levy Rate", qry.TermSpecRateMedLevy, 2,
+                    100);
         fields.AddGroup(top, "Employment Termination Payment")
             .Number(edtReducedTaxRate, "edtReducedTaxRate", "P&reservation Age Tax Rate", qry.ReducedTaxRate, 4)
             .Number(edtTermAboveCapRate, "edtTermAboveCapRate", "&Above Cap Tax Rate", qry.TermAboveCapRate, 4)
@@ -85,7 +86,8 @@ public:
             grid->setRowStretch(grid->rowCount(), 1); // the shorter one's fields stay together
         }
         AddGroup("Component D")
-            .Number(edtTermETPInitTaxFree, "edtTermETPInitTaxFree", "&Initial Tax Free Value", qry.TermETPInitTaxFree, 4)
+            .Number(edtTermETPInitTaxFree, "edtTermETPInitTaxFree", "&Initial Tax Free Value", qry.TermETPInitTaxFree,
+                    4)
             .Number(edtTermETPAnnualTaxFree, "edtTermETPAnnualTaxFree", "Annual Tax &Free Value",
                     qry.TermETPAnnualTaxFree, 4);
     }
@@ -142,7 +144,9 @@ private:
     // The order is neither that of the form nor that of the record.
     void ValidateParameters(TChecks &check)
     {
-        const auto notNegative = [&check](TqsNumberEdit *edit, const char *text) { check(edit, edit->Value() >= 0, text); };
+        const auto notNegative = [&check](TqsNumberEdit *edit, const char *text) {
+            check(edit, edit->Value() >= 0, text);
+        };
         notNegative(edtTerminationTaxRate, "The Termination Tax Rate may not be negative!");
         notNegative(edtTermSpecRateMedLevy, "The Medicare Levy Rate may not be negative!");
         notNegative(edtTermPost93GrossRate, "The Post 93 Gross Rate may not be negative!");

@@ -94,8 +94,9 @@ public:
         const QList<QVariantMap> rows = Filled();
         if (TextOf(rows) == loaded_)
             return;
-        query_.ExecuteThisSQL(QString("delete from %1 where iCountry = :country and iTaxYear = :year").arg(query_.TableName()),
-                              false, Scope());
+        query_.ExecuteThisSQL(
+            QString("delete from %1 where iCountry = :country and iTaxYear = :year").arg(query_.TableName()), false,
+            Scope());
         for (const QVariantMap &row : rows) {
             query_.brAppend(true);
             query_.FindColumn(u"iCountry")->SetVariant(int(kNewZealand));
@@ -176,11 +177,12 @@ public:
         QWidget *right = addColumn(1);
 
         fields.AddGroup(left, "Rounding")
-            .Number(edtTaxableGrossTo, "edtTaxableGrossTo", "Taxable Gross Value To", qryTaxOptions.RoundTaxableGrossTo, 4)
+            .Number(edtTaxableGrossTo, "edtTaxableGrossTo", "Taxable Gross Value To", qryTaxOptions.RoundTaxableGrossTo,
+                    4)
             .Number(edtEndResultTo, "edtEndResultTo", "End Result Tax Value To", qryTaxOptions.RoundTaxTo, 4);
         fields.AddGroup(left, "Payroll Giving")
-            .Number(edtTaxCreditPercent, "edtTaxCreditPercent", "Tax Credit Percent", qryParameters.PayrollGivingCredit, 4,
-                    100);
+            .Number(edtTaxCreditPercent, "edtTaxCreditPercent", "Tax Credit Percent", qryParameters.PayrollGivingCredit,
+                    4, 100);
         fields.AddGroup(left, "Student Loan")
             .Number(edtLoanRate, "edtLoanRate", "Loan Rate", qryParameters.LoanRate, 4)
             .Number(edtAnnualLoanThreshold, "edtAnnualLoanThreshold", "Annual Loan Threshold",
@@ -217,7 +219,9 @@ protected:
 
     void ValidateInformation(TChecks &check) override
     {
-        const auto notNegative = [&check](TqsNumberEdit *edit, const char *text) { check(edit, edit->Value() >= 0, text); };
+        const auto notNegative = [&check](TqsNumberEdit *edit, const char *text) {
+            check(edit, edit->Value() >= 0, text);
+        };
         notNegative(edtLevyRate, "The Levy Rate may not be negative!");
         notNegative(edtFixedAmount, "The Fixed Amount may not be negative!");
         notNegative(edtAnnualLevyThreshold, "The Annual Levy Threshold may not be negative!");

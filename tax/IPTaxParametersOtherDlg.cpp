@@ -14,7 +14,8 @@ public:
         : TfrmCorvexDlg2("TfrmIPTaxParametersOtherDlg", "Tax Parameters", 104220)
     {
         AddGroup("Rounding")
-            .Number(edtTaxableGrossTo, "edtTaxableGrossTo", "Taxable Gross Value To", qryTaxOptions.RoundTaxableGrossTo, 4)
+            .Number(edtTaxableGrossTo, "edtTaxableGrossTo", "Taxable Gross Value To", qryTaxOptions.RoundTaxableGrossTo,
+                    4)
             .Number(edtEndResultTo, "edtEndResultTo", "End Result Tax Value To", qryTaxOptions.RoundTaxTo, 4);
         edtTaxableGrossTo->SetMinimum(0);
         edtEndResultTo->SetMinimum(0);

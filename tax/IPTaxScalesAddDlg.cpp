@@ -8,9 +8,14 @@
 
 namespace {
 
-constexpr TDialogFacts kTaxScale{"TfrmIPTaxScalesAddDlg",  "Add / Edit Tax Scales", "Add New Tax Scale",
-                                 "Edit Tax Scale \"%s\"", "Copy Tax Scale \"%s\"", 104490,
-                                 9245,                     "Tax Scale"};
+constexpr TDialogFacts kTaxScale{"TfrmIPTaxScalesAddDlg",
+                                 "Add / Edit Tax Scales",
+                                 "Add New Tax Scale",
+                                 "Edit Tax Scale \"%s\"",
+                                 "Copy Tax Scale \"%s\"",
+                                 104490,
+                                 9245,
+                                 "Tax Scale"};
 
 constexpr TBracketFacts kTaxBrackets{"Tax Brackets",
                                      "You must save this Tax Scale before continuing.\nDo you want to save it now?",
@@ -68,8 +73,8 @@ protected:
     {
         TfrmScaleDlg::FormShow();
         if (CountryCode != kAustralia) {
-            for (QWidget *control : std::initializer_list<QWidget *>{cbxMedicareLookup, chkRebatesApplicable,
-                                                                     chkIncludeLeaveLoading})
+            for (QWidget *control :
+                 std::initializer_list<QWidget *>{cbxMedicareLookup, chkRebatesApplicable, chkIncludeLeaveLoading})
                 fields.SetVisible(control, false);
             Brackets().SetCaption(u"fWeeklyEarnings", "Yearly Earnings");
             grdBrackets->SetColumnVisible(u"fCoefficientC", true);
@@ -103,16 +108,17 @@ protected:
     void CheckCode(TChecks &check) override
     {
         check(edtCode, NoApostrophe(edtCode), "The Tax Scale Code is invalid!");
-        check(edtCode,
-              [this] {
-                  return !qryTaxScales.RecordsExistCriteria(
-                      "idTaxScales <> :id and iTaxYear = :year and iCountry = :country and cCode = :code",
-                      {{"id", RecordID()},
-                       {"year", TaxYear()},
-                       {"country", int(CountryCode)},
-                       {"code", edtCode->text().trimmed()}});
-              },
-              "The Tax Scale Code already exists!");
+        check(
+            edtCode,
+            [this] {
+                return !qryTaxScales.RecordsExistCriteria(
+                    "idTaxScales <> :id and iTaxYear = :year and iCountry = :country and cCode = :code",
+                    {{"id", RecordID()},
+                     {"year", TaxYear()},
+                     {"country", int(CountryCode)},
+                     {"code", edtCode->text().trimmed()}});
+            },
+            "The Tax Scale Code already exists!");
     }
 
     void ValidateInformation(TChecks &check) override
@@ -196,7 +202,8 @@ private:
 
     static int GetIdxKey(bool Master)
     {
-        return Master ? ::GetIdxKey("idTaxScales", "_iptblTaxScales") : ::GetIdxKey("idTaxBrackets", "_iptblTaxBrackets");
+        return Master ? ::GetIdxKey("idTaxScales", "_iptblTaxScales")
+                      : ::GetIdxKey("idTaxBrackets", "_iptblTaxBrackets");
     }
 
     // A scale that exists keeps its year; a new one gets the dialog's.

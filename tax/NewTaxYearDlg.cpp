@@ -63,7 +63,8 @@ public:
 
         AddGroup("Tax Year")
             .Note(lblHelp, "lblHelp",
-                  "Copies the scales, their brackets and the tax parameters of one year to another. What the other year has "
+                  "Copies the scales, their brackets and the tax parameters of one year to another. What the other "
+                  "year has "
                   "already stays as it is. The current tax year of the installation is not changed.")
             .LabelledWidget(cbxFromYear, "cbxFromYear", "Copy &from")
             .LabelledWidget(edtToYear, "edtToYear", "&To")
@@ -113,8 +114,8 @@ private:
         prgCopy->reset();
         lblResult->setText(FromYear() == edtToYear->value()
                                ? QString("Choose two different years.")
-                               : Counted(toCopy_, "1 record will be copied, ", "%1 records will be copied, ")
-                                     + Counted(rows.size() - toCopy_, "1 exists already.", "%1 exist already."));
+                               : Counted(toCopy_, "1 record will be copied, ", "%1 records will be copied, ") +
+                                     Counted(rows.size() - toCopy_, "1 exists already.", "%1 exist already."));
         UpdateState();
     }
 

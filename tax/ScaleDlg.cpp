@@ -18,8 +18,7 @@ constexpr int kSuppliedKeys = 50000; // keys up to here belong to records suppli
 TfrmScaleDlg::TfrmScaleDlg(const TDialogFacts &facts, const TBracketFacts &brackets, TCorvexADOQuery &query)
     : TfrmCorvexDlg(facts, query)
     , bracketFacts_(brackets)
-{
-}
+{}
 
 void TfrmScaleDlg::AddBracketsGroup(const QList<TGridColumn> &columns)
 {
@@ -33,7 +32,8 @@ void TfrmScaleDlg::AddBracketsGroup(const QList<TGridColumn> &columns)
     grdBrackets->setAccessibleName(bracketFacts_.caption);
     fields.AddGroup(row, bracketFacts_.caption)
         .Widget(grdBrackets, "grdBrackets")
-        .Buttons({{btnAdd, "btnAdd", "&Add..."}, {btnEdit, "btnEdit", "&Edit..."}, {btnDelete, "btnDelete", "&Delete"}});
+        .Buttons(
+            {{btnAdd, "btnAdd", "&Add..."}, {btnEdit, "btnEdit", "&Edit..."}, {btnDelete, "btnDelete", "&Delete"}});
     const bool yearly = CountryCode != kAustralia;
     grpWithholding = new TWithholdingPanel(bracketFacts_.helpHECS ? TWithholdingRule::StudyLoan
                                            : yearly               ? TWithholdingRule::Yearly
@@ -92,9 +92,10 @@ QString TfrmScaleDlg::BracketsText(const QList<QVariantMap> &rows) const
     QStringList texts;
     for (const QVariantMap &row : rows) {
         QStringList values;
-        for (const char *field : {kEarnings, bracketFacts_.coefficientA, bracketFacts_.coefficientB, bracketFacts_.coefficientC}) {
+        for (const char *field :
+             {kEarnings, bracketFacts_.coefficientA, bracketFacts_.coefficientB, bracketFacts_.coefficientC}) {
             if (*field)
-                values += QString::number(row.value(field).toDouble());
+                values += QString::number(row.value(field).toDouble(), 'g', 12);
         }
         texts += values.join(QLatin1Char(' '));
     }
@@ -150,8 +151,8 @@ bool TfrmScaleDlg::AskBracket(QVariantMap &row)
     if (result != QDialog::Accepted)
         return false;
     row.insert(kEarnings, earnings);
-    for (const auto &[field, number] : {std::pair(bracketFacts_.coefficientA, a), {bracketFacts_.coefficientB, b},
-                                        {bracketFacts_.coefficientC, c}}) {
+    for (const auto &[field, number] :
+         {std::pair(bracketFacts_.coefficientA, a), {bracketFacts_.coefficientB, b}, {bracketFacts_.coefficientC, c}}) {
         if (*field)
             row.insert(field, number);
     }
@@ -178,8 +179,8 @@ void TfrmScaleDlg::btnEditClick()
     if (!SaveFirst())
         return;
     // Saving has read the brackets again: the row is found by what it says.
-    const int place = Brackets().Value(focused, earnings) == focusedEarnings ? focused
-                                                                           : Brackets().Find(earnings, focusedEarnings);
+    const int place =
+        Brackets().Value(focused, earnings) == focusedEarnings ? focused : Brackets().Find(earnings, focusedEarnings);
     if (place < 0)
         return;
     QVariantMap row = Brackets().Row(place);

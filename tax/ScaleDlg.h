@@ -6,14 +6,15 @@
 #include "tax/WithholdingPanel.h"
 
 // What is particular to the brackets of one kind of scale.
-struct TBracketFacts {
-    const char *caption;        // of the group
-    const char *saveFirst;      // question before a bracket of an unsaved scale is added or edited
+struct TBracketFacts
+{
+    const char *caption;   // of the group
+    const char *saveFirst; // question before a bracket of an unsaved scale is added or edited
     const char *deleteQuestion;
-    const char *coefficientA;   // columns of the table in memory; "" when the scale has none
+    const char *coefficientA; // columns of the table in memory; "" when the scale has none
     const char *coefficientB;
     const char *coefficientC;
-    bool helpHECS;              // study loan: its bracket dialog and its way of reckoning
+    bool helpHECS; // study loan: its bracket dialog and its way of reckoning
 };
 
 // The base of the dialogs over a scale and its brackets. Brackets live in memory until the scale is saved and are then
@@ -24,7 +25,8 @@ class TfrmScaleDlg : public TfrmCorvexDlg
 protected:
     TfrmScaleDlg(const TDialogFacts &facts, const TBracketFacts &brackets, TCorvexADOQuery &query);
 
-    // Puts the group of brackets, and the panel beside it, below the groups so far. One column must be "fWeeklyEarnings".
+    // Puts the group of brackets, and the panel beside it, below the groups so far. One column must be
+    // "fWeeklyEarnings".
     void AddBracketsGroup(const QList<TGridColumn> &columns);
     void FormShow() override;
     void SetEditFields() override;

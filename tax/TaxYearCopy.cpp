@@ -16,7 +16,8 @@ constexpr int kSuppliedKeys = 50000;
 constexpr int kEveryCountry = 0;
 
 // A table of scales, and the table of their brackets where they have any.
-struct TScaleTable {
+struct TScaleTable
+{
     const char *kind;
     const char *table;
     const char *key;
@@ -31,19 +32,20 @@ struct TScaleTable {
     int bracketKeysBelow; // the first key that a user's bracket gets is the one after this
 };
 
-constexpr TScaleTable kMedicare{"Medicare Scale",
-                                "_iptblMedicareScales",
-                                "idMedicareScales",
-                                "cMedicareScaleDescription",
-                                false,
-                                "fWeeklyEarningsThreshold, fWeeklyEarningsShadeInThreshold, fFamilyThreshold, fWFTDivisor, "
-                                "fAdditionalChildAllowance, fSOPMultiplier, fSOPDivisor, fWLAFactor, fAdjustmentLevy",
-                                nullptr,
-                                nullptr,
-                                nullptr,
-                                nullptr,
-                                nullptr,
-                                0};
+constexpr TScaleTable kMedicare{
+    "Medicare Scale",
+    "_iptblMedicareScales",
+    "idMedicareScales",
+    "cMedicareScaleDescription",
+    false,
+    "fWeeklyEarningsThreshold, fWeeklyEarningsShadeInThreshold, fFamilyThreshold, fWFTDivisor, "
+    "fAdditionalChildAllowance, fSOPMultiplier, fSOPDivisor, fWLAFactor, fAdjustmentLevy",
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    nullptr,
+    0};
 
 constexpr TScaleTable kTax{"Tax Scale",
                            "_iptblTaxScales",
@@ -88,7 +90,8 @@ constexpr TScaleTable kSFSS{"SFSS Scale",
 constexpr const TScaleTable *kScaleTables[] = {&kMedicare, &kTax, &kHECS, &kSFSS};
 
 // A table of parameters by country and year, whose keys the server makes.
-struct TParameterTable {
+struct TParameterTable
+{
     const char *description;
     const char *table;
     int country; // whose parameters they are
@@ -108,7 +111,8 @@ constexpr TParameterTable kParameterTables[] = {
 };
 
 // What is to be done, with what it takes to do it.
-struct TStep {
+struct TStep
+{
     TTaxYearItem item;
     const TScaleTable *scales = nullptr;
     const TParameterTable *parameters = nullptr;
@@ -171,7 +175,8 @@ void PlanParameters(const TParameterTable &parameters, int fromYear, int toYear,
 {
     const auto rowsOf = [&parameters](int year) {
         return MainConnection()
-            .Select(Sql("select count(*) as iRows from %s where iTaxYear = :year and iCountry = :country", {parameters.table}),
+            .Select(Sql("select count(*) as iRows from %s where iTaxYear = :year and iCountry = :country",
+                        {parameters.table}),
                     YearOf(true, year))
             .Value(0, u"iRows")
             .toInt();
@@ -203,8 +208,7 @@ public:
     TCopier(int fromYear, int toYear)
         : fromYear_(fromYear)
         , toYear_(toYear)
-    {
-    }
+    {}
 
     void Do(const TStep &step)
     {
@@ -227,8 +231,9 @@ private:
     {
         const TScaleTable &scales = *step.scales;
         const bool tax = &scales == &kTax;
-        const QString columns = QStringLiteral("cCode, ") + QString::fromLatin1(scales.description)
-                                + (scales.columns ? QStringLiteral(", ") + QString::fromLatin1(scales.columns) : QString());
+        const QString columns =
+            QStringLiteral("cCode, ") + QString::fromLatin1(scales.description) +
+            (scales.columns ? QStringLiteral(", ") + QString::fromLatin1(scales.columns) : QString());
         const int key = NextKey(scales.table, scales.key, kSuppliedKeys);
         TDbParams params{{"id", key}, {"toYear", toYear_}, {"source", step.source}};
         if (tax)
@@ -246,15 +251,16 @@ private:
     void CopyBrackets(const TScaleTable &scales, int source, int owner)
     {
         const QList<int> brackets = BracketsOf(scales).value(source);
-        const QString insert = Sql("insert into %s (%s, %s, %s, %s) select :id, :owner, :toYear, %s from %s where %s = :source",
-                                   {scales.bracketTable, scales.bracketKey, scales.bracketOwner, scales.bracketYear,
-                                    scales.bracketColumns, scales.bracketColumns, scales.bracketTable, scales.bracketKey});
+        const QString insert =
+            Sql("insert into %s (%s, %s, %s, %s) select :id, :owner, :toYear, %s from %s where %s = :source",
+                {scales.bracketTable, scales.bracketKey, scales.bracketOwner, scales.bracketYear, scales.bracketColumns,
+                 scales.bracketColumns, scales.bracketTable, scales.bracketKey});
         for (const int bracket : brackets) {
-            MainConnection().Execute(
-                insert, {{"id", NextKey(scales.bracketTable, scales.bracketKey, scales.bracketKeysBelow)},
-                         {"owner", owner},
-                         {"toYear", toYear_},
-                         {"source", bracket}});
+            MainConnection().Execute(insert,
+                                     {{"id", NextKey(scales.bracketTable, scales.bracketKey, scales.bracketKeysBelow)},
+                                      {"owner", owner},
+                                      {"toYear", toYear_},
+                                      {"source", bracket}});
         }
     }
 

@@ -9,7 +9,8 @@
 // Copies the tax tables of one year to another: Medicare scales, tax scales of the installation's country, study loan
 // scales, each with its brackets, and the tax parameters of the country.
 
-struct TTaxYearItem {
+struct TTaxYearItem
+{
     QString kind; // "Tax Scale"
     QString code; // "" for parameters
     QString description;
@@ -21,8 +22,8 @@ QList<TTaxYearItem> PlanTaxYearCopy(int fromYear, int toYear);
 
 // Copies what the other year does not have yet, as users' records under keys of their own, in one transaction. A tax
 // scale refers to the Medicare scale of its code in the other year. `progress` is told before every record how many are
-// done of how many, and may give false to take everything back. Gives the number of records copied, -1 when it was taken
-// back. Throws TDbError, and nothing is changed.
+// done of how many, and may give false to take everything back. Gives the number of records copied, -1 when it was
+// taken back. Throws TDbError, and nothing is changed.
 int CopyTaxYear(int fromYear, int toYear, const std::function<bool(int done, int total)> &progress);
 
 // The years that have anything to copy, latest first. Throws TDbError.

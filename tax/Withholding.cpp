@@ -64,7 +64,8 @@ TWithholding Withhold(const QList<TTaxBracket> &brackets, TWithholdingRule rule,
 
     TWithholding result;
     result.x = double(cents) / 100;
-    while (++result.bracket < brackets.size() && cents * 100 >= TenThousandths(brackets[result.bracket].below)) { }
+    while (++result.bracket < brackets.size() && cents * 100 >= TenThousandths(brackets[result.bracket].below)) {
+    }
     if (result.bracket == brackets.size()) {
         result.bracket = -1;
         return result;
@@ -86,7 +87,8 @@ QStringList WithholdingWarnings(const QList<TTaxBracket> &brackets, TWithholding
         const TTaxBracket &bracket = brackets[i];
         const QString number = QString::number(i + 1);
         if (bracket.below <= from) {
-            warnings += QStringLiteral("The thresholds do not rise at bracket %1 (%2).").arg(number, MoneyText(bracket.below));
+            warnings +=
+                QStringLiteral("The thresholds do not rise at bracket %1 (%2).").arg(number, MoneyText(bracket.below));
             continue;
         }
         // Lines are straight, so a bracket's ends tell about all of it.

@@ -5,11 +5,12 @@
 #include <QString>
 #include <QStringList>
 
-// What a table of brackets withholds, worked out as the tax offices print it: y = a * x - b with the first bracket whose
-// threshold is above x. Amounts are dollars and coefficients have four decimals; nothing is worked out in floating
-// point, since half a cent decides a dollar.
+// What a table of brackets withholds, worked out as the tax offices print it: y = a * x - b with the first bracket
+// whose threshold is above x. Amounts are dollars and coefficients have four decimals; nothing is worked out in
+// floating point, since half a cent decides a dollar.
 
-struct TTaxBracket {
+struct TTaxBracket
+{
     double below = 0; // the bracket applies while earnings are less than this
     double a = 0;
     double b = 0;
@@ -21,11 +22,12 @@ enum class TWithholdingRule {
     Yearly     // x: the year's earnings as they are; y to the cent
 };
 
-struct TWithholding {
-    double amount = 0;  // withheld
-    double x = 0;       // the earnings that the formula was given
-    double exact = 0;   // before rounding
-    int bracket = -1;   // position in the table; -1: the earnings are above its last threshold
+struct TWithholding
+{
+    double amount = 0; // withheld
+    double x = 0;      // the earnings that the formula was given
+    double exact = 0;  // before rounding
+    int bracket = -1;  // position in the table; -1: the earnings are above its last threshold
 };
 
 // One bracket without b is a flat rate: cents of the earnings and of the result are ignored. Weekly tables only.

@@ -20,7 +20,9 @@ constexpr qsizetype kMostWarnings = 3;
 // Where a bracket has no end, there is no amount at its end either.
 QString MoneyOf(const QVariant &value)
 {
-    return value.isNull() ? QString() : value.toDouble() >= kNoEnd ? QObject::tr("and above") : MoneyText(value.toDouble());
+    return value.isNull()               ? QString()
+           : value.toDouble() >= kNoEnd ? QObject::tr("and above")
+                                        : MoneyText(value.toDouble());
 }
 
 const QList<TGridColumn> &TableColumns()
@@ -82,17 +84,18 @@ TWithholdingPanel::TWithholdingPanel(TWithholdingRule rule, QWidget *parent)
 
     pltWithholding_->setObjectName(QStringLiteral("pltWithholding"));
     pltWithholding_->setAccessibleName(tr("Plot of the result over earnings; the Table page has its numbers"));
-    pltWithholding_->SetAxes(yearly ? tr("Yearly earnings") : tr("Weekly earnings"),
-                             rule == TWithholdingRule::StudyLoan ? tr("Component a week")
-                             : yearly                            ? tr("Tax a year")
-                                                                 : tr("Withheld a week"));
+    pltWithholding_->SetAxes(yearly ? tr("Yearly earnings") : tr("Weekly earnings"), rule == TWithholdingRule::StudyLoan
+                                                                                         ? tr("Component a week")
+                                                                                     : yearly ? tr("Tax a year")
+                                                                                              : tr("Withheld a week"));
     pltWithholding_->SetReadOut([this](double x) -> TqsPlot::TReading {
         const double earnings = rule_ == TWithholdingRule::Yearly ? std::round(x) : std::floor(x);
         const TWithholding at = Withhold(brackets_, rule_, earnings);
         if (at.bracket < 0)
             return {tr("%1: no bracket").arg(MoneyText(earnings, 0)), 0};
-        return {tr("%1: %2").arg(MoneyText(earnings, 0), MoneyText(at.amount, rule_ == TWithholdingRule::Yearly ? 2 : 0)),
-                at.amount};
+        return {
+            tr("%1: %2").arg(MoneyText(earnings, 0), MoneyText(at.amount, rule_ == TWithholdingRule::Yearly ? 2 : 0)),
+            at.amount};
     });
     grdWithholding_->setObjectName(QStringLiteral("grdWithholding"));
     grdWithholding_->setAccessibleName(tr("Result at the ends of each bracket"));
@@ -152,8 +155,8 @@ QString TWithholdingPanel::Formula(const TWithholding &at) const
     const TTaxBracket &bracket = brackets_[at.bracket];
     const QString minus = bracket.b < 0 ? QStringLiteral("+") : QStringLiteral("\u2212");
     return tr("%1: %2 \u00d7 %3 %4 %5 = %6")
-        .arg(BracketText(at.bracket), MoneyText(bracket.a, 4), MoneyText(at.x), minus, MoneyText(std::abs(bracket.b), 4),
-             MoneyText(at.exact, 4));
+        .arg(BracketText(at.bracket), MoneyText(bracket.a, 4), MoneyText(at.x), minus,
+             MoneyText(std::abs(bracket.b), 4), MoneyText(at.exact, 4));
 }
 
 void TWithholdingPanel::ShowAmount()
@@ -165,9 +168,10 @@ void TWithholdingPanel::ShowAmount()
         lblWithholding_->setText(tr("no bracket applies"));
         lblFormula_->setText(tr("The earnings are not below any threshold."));
     } else {
-        lblWithholding_->setText(rule_ == TWithholdingRule::StudyLoan ? tr("gives a component of %1").arg(MoneyText(at.amount))
-                                 : rule_ == TWithholdingRule::Yearly  ? tr("gives tax of %1").arg(MoneyText(at.amount))
-                                                                      : tr("withholds %1").arg(MoneyText(at.amount)));
+        lblWithholding_->setText(rule_ == TWithholdingRule::StudyLoan
+                                     ? tr("gives a component of %1").arg(MoneyText(at.amount))
+                                 : rule_ == TWithholdingRule::Yearly ? tr("gives tax of %1").arg(MoneyText(at.amount))
+                                                                     : tr("withholds %1").arg(MoneyText(at.amount)));
         QString formula = Formula(at);
         formula[0] = formula[0].toUpper();
         lblFormula_->setText(remark_.isEmpty() ? formula : formula + QLatin1Char('\n') + remark_);
@@ -219,9 +223,9 @@ void TWithholdingPanel::ShowTable()
         const bool open = IsOpenEnded(bracket);
         const double last = bracket.below - (rule_ == TWithholdingRule::Yearly ? 0.01 : 1);
         rows.append({{"fFrom", from},
-                      {"fBelow", bracket.below},
-                      {"fAtStart", Withhold(brackets_, rule_, from).amount},
-                      {"fAtEnd", open ? QVariant() : QVariant(Withhold(brackets_, rule_, last).amount)}});
+                     {"fBelow", bracket.below},
+                     {"fAtStart", Withhold(brackets_, rule_, from).amount},
+                     {"fAtEnd", open ? QVariant() : QVariant(Withhold(brackets_, rule_, last).amount)}});
         from = std::max(from, bracket.below);
     }
     grdWithholding_->Table().SetRows(rows);

@@ -132,8 +132,7 @@ int TMemoryTable::PlaceFor(const QVariantList &row, int ignored) const
     for (int i = 0; i < Count(); ++i) {
         if (i == ignored)
             continue;
-        if (sortColumn_ >= 0
-            && QVariant::compare(row[sortColumn_], rows_[i][sortColumn_]) == QPartialOrdering::Less) {
+        if (sortColumn_ >= 0 && QVariant::compare(row[sortColumn_], rows_[i][sortColumn_]) == QPartialOrdering::Less) {
             break;
         }
         ++place;
@@ -146,10 +145,10 @@ void TMemoryTable::MoveToPlace(int &row)
     if (sortColumn_ < 0)
         return;
     const bool ordered =
-        (row == 0
-         || QVariant::compare(rows_[row - 1][sortColumn_], rows_[row][sortColumn_]) != QPartialOrdering::Greater)
-        && (row + 1 == Count()
-            || QVariant::compare(rows_[row][sortColumn_], rows_[row + 1][sortColumn_]) != QPartialOrdering::Greater);
+        (row == 0 ||
+         QVariant::compare(rows_[row - 1][sortColumn_], rows_[row][sortColumn_]) != QPartialOrdering::Greater) &&
+        (row + 1 == Count() ||
+         QVariant::compare(rows_[row][sortColumn_], rows_[row + 1][sortColumn_]) != QPartialOrdering::Greater);
     if (ordered)
         return;
     const int place = PlaceFor(rows_[row], row);

@@ -40,7 +40,8 @@ public:
     void SetEditable(bool editable);
     bool IsEditable() const { return editable_; }
     void SetBounds(QStringView field, std::optional<double> minimum, std::optional<double> maximum);
-    struct TBounds {
+    struct TBounds
+    {
         std::optional<double> minimum, maximum;
     };
     TBounds BoundsOf(int column) const { return bounds_.value(column); }

@@ -15,7 +15,8 @@
 CORVEX_API double NiceStep(double range, int count);
 
 // One line of a plot: points in ascending order of x, joined by straight lines.
-struct TPlotSeries {
+struct TPlotSeries
+{
     QString name;
     QList<QPointF> points;
 };
@@ -38,7 +39,8 @@ public:
     void SetMarks(const QList<double> &marks);
     // The text at the marker for a value of x, and the height at which the marker stands; without one the plot has no
     // marker.
-    struct TReading {
+    struct TReading
+    {
         QString text;
         double y = 0;
     };
@@ -62,7 +64,8 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
-    struct TScale {
+    struct TScale
+    {
         double minimum = 0;
         double maximum = 1;
         double step = 1;

@@ -47,29 +47,25 @@ inline int Count(const QString &table, const QString &where = "1 = 1")
 
 inline int AddTaxScale(int id, const QString &code, int year = 2027, int country = 5, const QString &medicareCode = {})
 {
-    MainConnection().Execute("insert into _iptblTaxScales (idTaxScales, cCode, cDescription, bUserDefinable, iCountry, iTaxYear, "
-                             "cMedicareScaleCode) values (:id, :code, :text, 1, :country, :year, :medicare)",
-                             {{"id", id},
-                              {"code", code},
-                              {"text", "About " + code},
-                              {"country", country},
-                              {"year", year},
-                              {"medicare", medicareCode.isNull() ? QString("") : medicareCode}});
+    MainConnection().Execute(
+        "insert into _iptblTaxScales (idTaxScales, cCode, cDescription, bUserDefinable, iCountry, iTaxYear, "
+        "cMedicareScaleCode) values (:id, :code, :text, 1, :country, :year, :medicare)",
+        {{"id", id},
+         {"code", code},
+         {"text", "About " + code},
+         {"country", country},
+         {"year", year},
+         {"medicare", medicareCode.isNull() ? QString("") : medicareCode}});
     return id;
 }
 
 inline void AddTaxBracket(int id, int scale, const QString &code, double below, double a, double b, int year = 2027)
 {
-    MainConnection().Execute("insert into _iptblTaxBrackets (idTaxBrackets, iTaxScalesID, cTaxScaleCode, iBracketTaxYear, "
-                             "TaxBracket, TaxPercentage, TaxAmount, CoefficientC) values (:id, :scale, :code, :year, :below, "
-                             ":a, :b, 0)",
-                             {{"id", id},
-                              {"scale", scale},
-                              {"code", code},
-                              {"year", year},
-                              {"below", below},
-                              {"a", a},
-                              {"b", b}});
+    MainConnection().Execute(
+        "insert into _iptblTaxBrackets (idTaxBrackets, iTaxScalesID, cTaxScaleCode, iBracketTaxYear, "
+        "TaxBracket, TaxPercentage, TaxAmount, CoefficientC) values (:id, :scale, :code, :year, :below, "
+        ":a, :b, 0)",
+        {{"id", id}, {"scale", scale}, {"code", code}, {"year", year}, {"below", below}, {"a", a}, {"b", b}});
 }
 
 inline QList<QStringList> BracketsOf(int scale)
@@ -127,11 +123,12 @@ inline void Refuse(const QString &file, const QString &operation, const QString 
     {
         QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", name);
         other.setDatabaseName(file);
-        if (!other.open()
-            || other.exec(QString("create trigger tRefuse before %1 on %2 begin select raise(abort, 'Refused'); end")
-                              .arg(operation, table))
-                   .lastError()
-                   .isValid())
+        if (!other.open() ||
+            other
+                .exec(QString("create trigger tRefuse before %1 on %2 begin select raise(abort, 'Refused'); end")
+                          .arg(operation, table))
+                .lastError()
+                .isValid())
             throw std::runtime_error(other.lastError().text().toStdString());
     }
     QSqlDatabase::removeDatabase(name);

@@ -5,7 +5,8 @@
 namespace {
 
 // The two kinds of study loan scales: near copies of each other, with differences that matter.
-struct TKind {
+struct TKind
+{
     const char *name;
     uint list, dialog, changed;
     const char *form, *grid;
@@ -69,7 +70,8 @@ const TKind &Kind(const QString &name)
 void AddScale(const TKind &kind, int id, const QString &code, int year = 2027)
 {
     MainConnection().Execute(
-        QString("insert into %1 (%2, cCode, cDescription, iTaxYear) values (:id, :code, 'Text', :year)").arg(kind.scales, kind.scaleKey),
+        QString("insert into %1 (%2, cCode, cDescription, iTaxYear) values (:id, :code, 'Text', :year)")
+            .arg(kind.scales, kind.scaleKey),
         {{"id", id}, {"code", code}, {"year", year}});
 }
 
@@ -219,11 +221,12 @@ void t_loan_scales::nothingIsChecked()
     });
     SendToPackage(kind.dialog, 12, 0);
     VERIFY_SCRIPT(script);
-    QCOMPARE(RowsOf(QString("select %1, cCode, cDescription, iTaxYear from %2 order by %1").arg(kind.scaleKey, kind.scales)),
-             (QList<QStringList>{{"12", "1234567890", "Text", "2027"},
-                                 {"50001", "", "", "2027"},
-                                 {"50002", "X", "X", "2027"},
-                                 {"50003", "a'b", "a'b", "2027"}}));
+    QCOMPARE(
+        RowsOf(QString("select %1, cCode, cDescription, iTaxYear from %2 order by %1").arg(kind.scaleKey, kind.scales)),
+        (QList<QStringList>{{"12", "1234567890", "Text", "2027"},
+                            {"50001", "", "", "2027"},
+                            {"50002", "X", "X", "2027"},
+                            {"50003", "a'b", "a'b", "2027"}}));
     QCOMPARE(world.Log(), QString("%1:50001 %1:50002 %1:50003 %1:12").arg(kind.changed));
 }
 

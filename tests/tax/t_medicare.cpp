@@ -27,9 +27,10 @@ const QList<std::pair<QString, QString>> &Values()
 
 void AddScale(int id, const QString &code, int year = 2027)
 {
-    MainConnection().Execute("insert into _iptblMedicareScales (idMedicareScales, cCode, cMedicareScaleDescription, iTaxYear) "
-                             "values (:id, :code, 'Text', :year)",
-                             {{"id", id}, {"code", code}, {"year", year}});
+    MainConnection().Execute(
+        "insert into _iptblMedicareScales (idMedicareScales, cCode, cMedicareScaleDescription, iTaxYear) "
+        "values (:id, :code, 'Text', :year)",
+        {{"id", id}, {"code", code}, {"year", year}});
 }
 
 } // namespace
@@ -94,13 +95,24 @@ void t_medicare::codeChecks_data()
     QTest::addColumn<QString>("focus");
     const QString blank = "The Code may not be blank.", invalid = "The Medicare Scale Code is invalid!",
                   taken = "Code already exists.", noText = "The Description may not be blank.";
-    QTest::newRow("blank") << 0 << "  " << "" << blank << "edtCode";
-    QTest::newRow("apostrophe") << 0 << "A'B" << "" << invalid << "edtCode";
-    QTest::newRow("taken") << 0 << "6" << "" << taken << "edtCode";
-    QTest::newRow("of another year") << 0 << "OLD" << "Text" << "" << "";
-    QTest::newRow("an edit is checked too") << 2701 << "6" << "Text" << taken << "edtCode";
-    QTest::newRow("its own code") << 2701 << "2" << "Text" << "" << "";
-    QTest::newRow("no description") << 0 << "NEW" << " " << noText << "edtDescription";
+    QTest::newRow("blank") << 0 << "  "
+                           << "" << blank << "edtCode";
+    QTest::newRow("apostrophe") << 0 << "A'B"
+                                << "" << invalid << "edtCode";
+    QTest::newRow("taken") << 0 << "6"
+                           << "" << taken << "edtCode";
+    QTest::newRow("of another year") << 0 << "OLD"
+                                     << "Text"
+                                     << ""
+                                     << "";
+    QTest::newRow("an edit is checked too") << 2701 << "6"
+                                            << "Text" << taken << "edtCode";
+    QTest::newRow("its own code") << 2701 << "2"
+                                  << "Text"
+                                  << ""
+                                  << "";
+    QTest::newRow("no description") << 0 << "NEW"
+                                    << " " << noText << "edtDescription";
 }
 
 void t_medicare::codeChecks()
@@ -178,8 +190,8 @@ void t_medicare::savesWhatWasTyped()
         expected += QString::number(40000.1234 + i, 'f', 4);
         columns += ", f" + Values()[i].first;
     }
-    QCOMPARE(RowsOf("select idMedicareScales, cCode, cMedicareScaleDescription, iTaxYear" + columns
-                    + " from _iptblMedicareScales where cCode = 'NEW'"),
+    QCOMPARE(RowsOf("select idMedicareScales, cCode, cMedicareScaleDescription, iTaxYear" + columns +
+                    " from _iptblMedicareScales where cCode = 'NEW'"),
              QList<QStringList>{expected});
     QCOMPARE(world.Log(), "9230:50001");
 }

@@ -18,9 +18,9 @@ void RunTool()
 
 QStringList Tables()
 {
-    return {"_iptblMedicareScales",  "_iptblTaxScales",      "_iptblTaxBrackets",  "_iptblHECSScales",
-            "_iptblHECSBrackets",    "_iptblSFSSScales",     "_iptblSFSSBrackets", "_iptblSGLTaxParameters",
-            "_iptblTaxParametersNZ", "_iptblTaxOptions",     "_iptblLumpSumTaxRates", "_iptblTaxRebates"};
+    return {"_iptblMedicareScales",  "_iptblTaxScales",  "_iptblTaxBrackets",     "_iptblHECSScales",
+            "_iptblHECSBrackets",    "_iptblSFSSScales", "_iptblSFSSBrackets",    "_iptblSGLTaxParameters",
+            "_iptblTaxParametersNZ", "_iptblTaxOptions", "_iptblLumpSumTaxRates", "_iptblTaxRebates"};
 }
 
 QList<QList<QStringList>> Everything()
@@ -73,11 +73,13 @@ void t_new_tax_year::copiesAYear()
     });
     RunTool();
     VERIFY_SCRIPT(script);
-    QCOMPARE(plan.value(1), (QStringList{"Medicare Scale", "2", "Medicare levy, tax-free threshold claimed", "Will be copied"}));
+    QCOMPARE(plan.value(1),
+             (QStringList{"Medicare Scale", "2", "Medicare levy, tax-free threshold claimed", "Will be copied"}));
     QCOMPARE(plan.last(), (QStringList{"Tax Parameters", "", "Termination values", "Will be copied"}));
 
     // User records, each as its original but for key and year, Medicare links within the new year.
-    QCOMPARE(RowsOf("select t.cCode, t.bUserDefinable, t.cMedicareScaleCode, m.cCode as cLinked from _iptblTaxScales t left join "
+    QCOMPARE(RowsOf("select t.cCode, t.bUserDefinable, t.cMedicareScaleCode, m.cCode as cLinked from _iptblTaxScales t "
+                    "left join "
                     "_iptblMedicareScales m on m.idMedicareScales = t.iMedicareScalesID and m.iTaxYear = 2028 "
                     "where t.iTaxYear = 2028 and t.idTaxScales > 50000 order by t.cCode"),
              (QList<QStringList>{{"1", "1", "", "NULL"},
@@ -89,16 +91,18 @@ void t_new_tax_year::copiesAYear()
                                  {"6", "1", "6", "6"},
                                  {"MINE", "1", "6", "6"}}));
     const auto brackets = [](int year) {
-        return RowsOf("select s.cCode, b.cTaxScaleCode, b.TaxBracket, b.TaxPercentage, b.TaxAmount from _iptblTaxBrackets b "
-                      "inner join _iptblTaxScales s on s.idTaxScales = b.iTaxScalesID and s.iTaxYear = b.iBracketTaxYear "
-                      "where b.iBracketTaxYear = :year and s.iCountry = 5 order by s.cCode, b.TaxBracket",
-                      {{"year", year}});
+        return RowsOf(
+            "select s.cCode, b.cTaxScaleCode, b.TaxBracket, b.TaxPercentage, b.TaxAmount from _iptblTaxBrackets b "
+            "inner join _iptblTaxScales s on s.idTaxScales = b.iTaxScalesID and s.iTaxYear = b.iBracketTaxYear "
+            "where b.iBracketTaxYear = :year and s.iCountry = 5 order by s.cCode, b.TaxBracket",
+            {{"year", year}});
     };
     QCOMPARE(brackets(2028).size(), 38);
     QCOMPARE(brackets(2028), brackets(2027));
     QCOMPARE(Count("_iptblTaxBrackets", "iBracketTaxYear = 2028 and idTaxBrackets <= 50000"), 0);
     const auto loans = [](int year) {
-        return RowsOf("select s.cCode, s.cDescription, b.fWeeklyEarnings, b.CoefficientA, b.CoefficientB from _iptblHECSBrackets b "
+        return RowsOf("select s.cCode, s.cDescription, b.fWeeklyEarnings, b.CoefficientA, b.CoefficientB from "
+                      "_iptblHECSBrackets b "
                       "inner join _iptblHECSScales s on s.idHECSScales = b.iHECSScalesID and s.iTaxYear = b.iTaxYear "
                       "where b.iTaxYear = :year order by s.cCode, b.fWeeklyEarnings",
                       {{"year", year}});
@@ -106,9 +110,10 @@ void t_new_tax_year::copiesAYear()
     QCOMPARE(loans(2028).size(), 8);
     QCOMPARE(loans(2028), loans(2027));
     const auto parameters = [](int year) {
-        return RowsOf("select iCountry, TerminationTaxRate, TaxReductionAmount, TermETPAnnualTaxFree from _iptblSGLTaxParameters "
-                      "where iTaxYear = :year",
-                      {{"year", year}});
+        return RowsOf(
+            "select iCountry, TerminationTaxRate, TaxReductionAmount, TermETPAnnualTaxFree from _iptblSGLTaxParameters "
+            "where iTaxYear = :year",
+            {{"year", year}});
     };
     QCOMPARE(parameters(2028), parameters(2027));
     QCOMPARE(world.Log(), "9230:0 9245:0 9254:0 9239:0");
@@ -120,7 +125,8 @@ void t_new_tax_year::countries_data()
     QTest::addColumn<QStringList>("parameters");
     QTest::newRow("5") << 5 << QStringList{"Termination values"};
     QTest::newRow("6") << 6
-                       << QStringList{"Levy, student loan and payroll giving", "Rounding", "Lump sum tax rates", "Rebates"};
+                       << QStringList{"Levy, student loan and payroll giving", "Rounding", "Lump sum tax rates",
+                                      "Rebates"};
     QTest::newRow("7") << 7 << QStringList{"Rounding"};
 }
 
@@ -144,7 +150,8 @@ void t_new_tax_year::countries()
     QTEST(parameters, "parameters");
     QCOMPARE(Count("_iptblLumpSumTaxRates", "iTaxYear = 2028"), country == 6 ? 5 : 0);
     QCOMPARE(Count("_iptblTaxRebates", "iTaxYear = 2028 and iCountry = 6"), country == 6 ? 1 : 0);
-    QCOMPARE(Count("_iptblTaxOptions", QString("iTaxYear = 2028 and iCountry = %1").arg(country)), country == 5 ? 0 : 1);
+    QCOMPARE(Count("_iptblTaxOptions", QString("iTaxYear = 2028 and iCountry = %1").arg(country)),
+             country == 5 ? 0 : 1);
 }
 
 void t_new_tax_year::skipsWhatIsThere()
@@ -152,7 +159,8 @@ void t_new_tax_year::skipsWhatIsThere()
     TTaxWorld world;
     AddTaxScale(60, "2 ", 2028);
     AddTaxBracket(61, 60, "2", 1, 2, 3, 2028);
-    MainConnection().Insert("insert into _iptblSGLTaxParameters (iTaxYear, iCountry, TermETPUpperCap) values (2028, 5, 7)");
+    MainConnection().Insert(
+        "insert into _iptblSGLTaxParameters (iTaxYear, iCountry, TermETPUpperCap) values (2028, 5, 7)");
     TUserScript script;
     script.Dialog(kForm, [&](QDialog &dialog) {
         FindControl<QSpinBox>(&dialog, "edtToYear").setValue(2027);
@@ -167,7 +175,8 @@ void t_new_tax_year::skipsWhatIsThere()
     VERIFY_SCRIPT(script);
     QCOMPARE(BracketsOf(60), (QList<QStringList>{{"61", "2", "2028", "1", "2", "3"}}));
     QCOMPARE(Count("_iptblTaxBrackets", "iBracketTaxYear = 2028 and cTaxScaleCode = '2'"), 1);
-    QCOMPARE(RowsOf("select TermETPUpperCap from _iptblSGLTaxParameters where iTaxYear = 2028"), (QList<QStringList>{{"7"}}));
+    QCOMPARE(RowsOf("select TermETPUpperCap from _iptblSGLTaxParameters where iTaxYear = 2028"),
+             (QList<QStringList>{{"7"}}));
 }
 
 void t_new_tax_year::runTwice()
@@ -175,7 +184,8 @@ void t_new_tax_year::runTwice()
     TTaxWorld world;
     // Codes of study loan scales may be empty and may stand twice.
     for (const int id : {50001, 50002})
-        MainConnection().Execute("insert into _iptblHECSScales (idHECSScales, cCode, iTaxYear) values (:id, '', 2027)", {{"id", id}});
+        MainConnection().Execute("insert into _iptblHECSScales (idHECSScales, cCode, iTaxYear) values (:id, '', 2027)",
+                                 {{"id", id}});
     QList<QList<QStringList>> once;
     TUserScript script;
     script.Dialog(kForm, [&](QDialog &dialog) {

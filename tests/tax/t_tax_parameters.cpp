@@ -8,7 +8,8 @@ const char kAu[] = "TfrmIPTaxParametersDlg";
 const char kNZ[] = "TfrmIPTaxParametersNZDlg";
 const char kOther[] = "TfrmIPTaxParametersOtherDlg";
 
-struct TCheck {
+struct TCheck
+{
     const char *control; // also the column, without its prefix
     const char *message;
 };
@@ -41,7 +42,8 @@ constexpr TCheck kNZChecks[] = {
 
 QList<QStringList> LumpSums()
 {
-    return RowsOf("select fLumpSum, fTaxRate from _iptblLumpSumTaxRates where iTaxYear = 2027 and iCountry = 6 order by fLumpSum");
+    return RowsOf("select fLumpSum, fTaxRate from _iptblLumpSumTaxRates where iTaxYear = 2027 and iCountry = 6 order "
+                  "by fLumpSum");
 }
 
 } // namespace
@@ -139,9 +141,10 @@ void t_tax_parameters::australianValuesAreSaved()
     VERIFY_SCRIPT(script);
     int value = 10;
     for (const TCheck &check : kAuChecks) {
-        QCOMPARE(ValueOf(QString("select %1 as v from _iptblSGLTaxParameters where iTaxYear = 2027").arg(check.control + 3))
-                     .toDouble(),
-                 double(++value));
+        QCOMPARE(
+            ValueOf(QString("select %1 as v from _iptblSGLTaxParameters where iTaxYear = 2027").arg(check.control + 3))
+                .toDouble(),
+            double(++value));
     }
     QCOMPARE(Count("_iptblSGLTaxParameters", "iTaxYear = 2026 and TaxReductionAmount = 260000"), 1);
 }
@@ -163,7 +166,8 @@ void t_tax_parameters::missingYearGetsZeros()
     QStringList sum;
     for (const TCheck &check : kAuChecks)
         sum += QString(check.control).mid(3);
-    QCOMPARE(ValueOf(QString("select %1 as v from _iptblSGLTaxParameters where iTaxYear = 2031").arg(sum.join(" + "))).toDouble(),
+    QCOMPARE(ValueOf(QString("select %1 as v from _iptblSGLTaxParameters where iTaxYear = 2031").arg(sum.join(" + ")))
+                 .toDouble(),
              0.0);
 }
 
@@ -196,9 +200,10 @@ void t_tax_parameters::preservationAges()
     });
     SendToPackage(kParameters);
     VERIFY_SCRIPT(script);
-    QCOMPARE(texts, (QStringList{"Date Of Birth", "Preservation Age ", "Before 01/07/1960", "55", "01/07/1960 - 30/06/1961",
-                                 "56", "01/07/1961 - 30/06/1962", "57", "01/07/1962 - 30/06/1963", "58",
-                                 "01/07/1963 - 30/06/1964", "59", "After 30/06/1964", "60"}));
+    QCOMPARE(texts,
+             (QStringList{"Date Of Birth", "Preservation Age ", "Before 01/07/1960", "55", "01/07/1960 - 30/06/1961",
+                          "56", "01/07/1961 - 30/06/1962", "57", "01/07/1962 - 30/06/1963", "58",
+                          "01/07/1963 - 30/06/1964", "59", "After 30/06/1964", "60"}));
 }
 
 void t_tax_parameters::newZealandValuesAndGrids()
@@ -208,8 +213,9 @@ void t_tax_parameters::newZealandValuesAndGrids()
     script.Dialog(kNZ, [](QDialog &dialog) {
         QCOMPARE(FindControl<QLineEdit>(&dialog, "edtLevyRate").text(), "1.7500");
         int value = 0;
-        for (const char *control : {"edtTaxableGrossTo", "edtEndResultTo", "edtTaxCreditPercent", "edtLoanRate",
-                                    "edtAnnualLoanThreshold", "edtFixedAmount", "edtLevyRate", "edtAnnualLevyThreshold"})
+        for (const char *control :
+             {"edtTaxableGrossTo", "edtEndResultTo", "edtTaxCreditPercent", "edtLoanRate", "edtAnnualLoanThreshold",
+              "edtFixedAmount", "edtLevyRate", "edtAnnualLevyThreshold"})
             TypeInto(dialog, control, QString::number(++value));
         auto &lumpSums = FindControl<TqsMemoryGrid>(&dialog, "grdLumpSums");
         QCOMPARE(Shown(lumpSums).mid(0, 2), (QList<QStringList>{{"LumpSum", "Tax Rate"}, {"15600.00", "10.5000"}}));
@@ -235,8 +241,9 @@ void t_tax_parameters::newZealandValuesAndGrids()
     });
     SendToPackage(kParameters);
     VERIFY_SCRIPT(script);
-    QCOMPARE(RowsOf("select fRoundTaxableGrossTo, fRoundTaxTo from _iptblTaxOptions where iTaxYear = 2027 and iCountry = 6"),
-             (QList<QStringList>{{"1", "2"}}));
+    QCOMPARE(
+        RowsOf("select fRoundTaxableGrossTo, fRoundTaxTo from _iptblTaxOptions where iTaxYear = 2027 and iCountry = 6"),
+        (QList<QStringList>{{"1", "2"}}));
     QCOMPARE(RowsOf("select fPayrollGivingCredit, fLoanRate, fAnnualLoanThreshold, fLevyFixedAmount, fLevyRate, "
                     "fAnnualLevyThreshold from _iptblTaxParametersNZ where iTaxYear = 2027"),
              (QList<QStringList>{{"3", "4", "5", "6", "7", "8"}}));
@@ -301,8 +308,9 @@ void t_tax_parameters::thirdCountry()
     });
     SendToPackage(kParameters);
     VERIFY_SCRIPT(script);
-    QCOMPARE(RowsOf("select fRoundTaxableGrossTo, fRoundTaxTo from _iptblTaxOptions where iTaxYear = 2027 and iCountry = 7"),
-             (QList<QStringList>{{"5", "0.05"}}));
+    QCOMPARE(
+        RowsOf("select fRoundTaxableGrossTo, fRoundTaxTo from _iptblTaxOptions where iTaxYear = 2027 and iCountry = 7"),
+        (QList<QStringList>{{"5", "0.05"}}));
     QCOMPARE(Count("_iptblTaxOptions", "iCountry = 6 and fRoundTaxTo = 0.05"), 0);
 }
 
@@ -324,7 +332,8 @@ void t_tax_parameters::changedByAnother()
     TTaxWorld world(country);
     const bool australia = country == 5;
     const QString table = australia ? "_iptblSGLTaxParameters" : "_iptblTaxParametersNZ";
-    const QString mine = australia ? "TerminationTaxRate" : "fLoanRate", theirs = australia ? "ReducedTaxRate" : "fLevyRate";
+    const QString mine = australia ? "TerminationTaxRate" : "fLoanRate",
+                  theirs = australia ? "ReducedTaxRate" : "fLevyRate";
     TUserScript script;
     script.Dialog(australia ? kAu : kNZ, [&](QDialog &dialog) {
         MainConnection().Execute(QString("update %1 set %2 = 9 where iTaxYear = 2027").arg(table, theirs));

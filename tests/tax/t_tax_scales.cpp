@@ -130,7 +130,8 @@ void t_tax_scales::fieldsByCountry_data()
     QTest::newRow("Australia") << 5 << true << QStringList{"Weekly Earnings", "Coefficient A", "Coefficient B"};
     for (const int country : {6, 7})
         QTest::addRow("%d", country) << country << false
-                                     << QStringList{"Yearly Earnings", "Coefficient A", "Coefficient B", "Coefficient C"};
+                                     << QStringList{"Yearly Earnings", "Coefficient A", "Coefficient B",
+                                                    "Coefficient C"};
 }
 
 void t_tax_scales::fieldsByCountry()
@@ -144,7 +145,8 @@ void t_tax_scales::fieldsByCountry()
     QStringList visible;
     TUserScript script;
     Edit(script, 50001, [&](QDialog &dialog) {
-        for (const char *name : {"cbxMedicareLookup", "lblMedicareLookup", "chkRebatesApplicable", "chkIncludeLeaveLoading"}) {
+        for (const char *name :
+             {"cbxMedicareLookup", "lblMedicareLookup", "chkRebatesApplicable", "chkIncludeLeaveLoading"}) {
             if (FindControl<QWidget>(&dialog, name).isVisible())
                 visible += name;
         }
@@ -168,18 +170,36 @@ void t_tax_scales::checks_data()
     const QString invalid = "The Tax Scale Code is invalid!", taken = "The Tax Scale Code already exists!",
                   noCode = "The Tax Scale Code may not be blank!",
                   noText = "The Tax Scale Description may not be blank!";
-    QTest::newRow("all is well") << "NEW" << "Text" << "" << "";
-    QTest::newRow("apostrophe") << "A'B" << "Text" << invalid << "edtCode";
-    QTest::newRow("apostrophe before anything else") << "'" << "" << invalid << "edtCode";
-    QTest::newRow("taken") << "MINE" << "Text" << taken << "edtCode";
-    QTest::newRow("taken, other letters and blanks") << " mine " << "Text" << taken << "edtCode";
-    QTest::newRow("taken before no description") << "MINE" << "" << taken << "edtCode";
-    QTest::newRow("the tax office's") << "2" << "Text" << taken << "edtCode";
-    QTest::newRow("of another year") << "OLD" << "Text" << "" << "";
-    QTest::newRow("of another country") << "NZ" << "Text" << "" << "";
-    QTest::newRow("no code") << "" << "" << noCode << "edtCode";
-    QTest::newRow("blanks") << "  " << "Text" << noCode << "edtCode";
-    QTest::newRow("no description") << "NEW" << "  " << noText << "edtDescription";
+    QTest::newRow("all is well") << "NEW"
+                                 << "Text"
+                                 << ""
+                                 << "";
+    QTest::newRow("apostrophe") << "A'B"
+                                << "Text" << invalid << "edtCode";
+    QTest::newRow("apostrophe before anything else") << "'"
+                                                     << "" << invalid << "edtCode";
+    QTest::newRow("taken") << "MINE"
+                           << "Text" << taken << "edtCode";
+    QTest::newRow("taken, other letters and blanks") << " mine "
+                                                     << "Text" << taken << "edtCode";
+    QTest::newRow("taken before no description") << "MINE"
+                                                 << "" << taken << "edtCode";
+    QTest::newRow("the tax office's") << "2"
+                                      << "Text" << taken << "edtCode";
+    QTest::newRow("of another year") << "OLD"
+                                     << "Text"
+                                     << ""
+                                     << "";
+    QTest::newRow("of another country") << "NZ"
+                                        << "Text"
+                                        << ""
+                                        << "";
+    QTest::newRow("no code") << ""
+                             << "" << noCode << "edtCode";
+    QTest::newRow("blanks") << "  "
+                            << "Text" << noCode << "edtCode";
+    QTest::newRow("no description") << "NEW"
+                                    << "  " << noText << "edtDescription";
 }
 
 void t_tax_scales::checks()
@@ -210,9 +230,10 @@ void t_tax_scales::checks()
     QTEST(focus, "focus");
     QCOMPARE(Count("_iptblTaxScales"), before + (message.isEmpty() ? 1 : 0));
     if (message.isEmpty()) {
-        QCOMPARE(RowsOf("select idTaxScales, cCode, cDescription, bUserDefinable, iCountry, iTaxYear, iMedicareScalesID, "
-                        "cMedicareScaleCode from _iptblTaxScales where idTaxScales > 50000"),
-                 (QList<QStringList>{{"50001", code, description, "1", "5", "2027", "0", ""}}));
+        QCOMPARE(
+            RowsOf("select idTaxScales, cCode, cDescription, bUserDefinable, iCountry, iTaxYear, iMedicareScalesID, "
+                   "cMedicareScaleCode from _iptblTaxScales where idTaxScales > 50000"),
+            (QList<QStringList>{{"50001", code, description, "1", "5", "2027", "0", ""}}));
         QCOMPARE(world.Log(), "9245:50001");
     }
 }
@@ -221,8 +242,8 @@ void t_tax_scales::taxOfficeScaleIsOnlyLookedAt()
 {
     TTaxWorld world;
     const auto everything = [] {
-        return RowsOf("select * from _iptblTaxScales order by idTaxScales")
-               + RowsOf("select * from _iptblTaxBrackets order by idTaxBrackets");
+        return RowsOf("select * from _iptblTaxScales order by idTaxScales") +
+               RowsOf("select * from _iptblTaxBrackets order by idTaxBrackets");
     };
     const QList<QStringList> before = everything();
     QStringList enabled;
@@ -402,8 +423,8 @@ void t_tax_scales::bracketChecks_data()
     QTest::addColumn<QString>("c");
     QTest::addColumn<QString>("message");
     QTest::addColumn<QString>("focus");
-    const auto row = [](const char *name, int country, const char *earnings, const char *a, const char *b, const char *c,
-                        const char *message, const char *focus) {
+    const auto row = [](const char *name, int country, const char *earnings, const char *a, const char *b,
+                        const char *c, const char *message, const char *focus) {
         QTest::addRow("%d %s", country, name) << country << earnings << a << b << c << message << focus;
     };
     const char twice[] = "Weekly Earnings already exists.", zero[] = "Weekly Earnings must be greater than zero.",
@@ -531,7 +552,8 @@ void t_tax_scales::gridKeys()
     script.Box("Are you sure you want to delete this Tax Bracket?", QMessageBox::Yes);
     SendToPackage(kDialog, 60, 0);
     VERIFY_SCRIPT(script);
-    QCOMPARE(titles, (QStringList{"Add New Tax Bracket", "Edit Tax Bracket \"500.00\"", "Edit Tax Bracket \"400.00\""}));
+    QCOMPARE(titles,
+             (QStringList{"Add New Tax Bracket", "Edit Tax Bracket \"500.00\"", "Edit Tax Bracket \"400.00\""}));
     QCOMPARE(BracketsOf(60).size(), 2); // cancelled
 }
 
@@ -556,7 +578,13 @@ void t_tax_scales::medicareLink()
     QCOMPARE(link(), (QList<QStringList>{{"", "0"}}));
     // The copy of an older scale gets the current year's.
     AddTaxScale(61, "OLD", 2026, 5, "6");
-    Edit(script, 61, [](QDialog &dialog) { TypeInto(dialog, "edtCode", "COPY"); }, true);
+    Edit(
+        script, 61,
+        [](QDialog &dialog) {
+            QCOMPARE(FindControl<TqsLookupCombo>(&dialog, "cbxMedicareLookup").Key(), 2702);
+            TypeInto(dialog, "edtCode", "COPY");
+        },
+        true);
     QCOMPARE(RowsOf("select iTaxYear, iMedicareScalesID from _iptblTaxScales where cCode = 'COPY'"),
              (QList<QStringList>{{"2027", "2702"}}));
     VERIFY_SCRIPT(script);
@@ -597,7 +625,8 @@ void t_tax_scales::deleteFlow()
     QWidget &list = world.OpenList(kList);
     ShowActive(list);
     const int id =
-        ValueOf("select idTaxScales from _iptblTaxScales where iTaxYear = 2027 and cCode = :code", {{"code", code}}).toInt();
+        ValueOf("select idTaxScales from _iptblTaxScales where iTaxYear = 2027 and cCode = :code", {{"code", code}})
+            .toInt();
     QVERIFY(Grid(list).FocusKey(id));
     const int brackets = Count("_iptblTaxBrackets");
     TUserScript script;
@@ -676,9 +705,8 @@ void t_tax_scales::withholdingPanel()
         TypeInto(dialog, "edtTryEarnings", "1100");
         QCOMPARE(text("lblWithholding"), "withholds 170.00");
         QVERIFY2(text("lblFormula").startsWith("Bracket 2 (and above)"), qPrintable(text("lblFormula")));
-        QCOMPARE(text("lblWarnings"),
-                 "Please check: The result jumps by -68.38 at 362.00 (bracket 2).\n"
-                 "The result is negative in bracket 2 (-68.00 at 362.00).");
+        QCOMPARE(text("lblWarnings"), "Please check: The result jumps by -68.38 at 362.00 (bracket 2).\n"
+                                      "The result is negative in bracket 2 (-68.00 at 362.00).");
         brackets.Set(1, {{"fCoefficientB", 116.8174}});
         QVERIFY(!FindControl<QLabel>(&dialog, "lblWarnings").isVisible());
         QCOMPARE(text("lblWithholding"), "withholds 238.00"); // 355.2894... - 116.8174

@@ -77,13 +77,14 @@ void t_withholding::rounding_data()
                                     << 50.0; // 50.4999
     QTest::newRow("exact halves in binary-unfriendly numbers")
         << QList<TTaxBracket>{{10, 0, 0}, {9999999, 0.1, 0.599}} << Rule::Weekly << 120.0 << 12.0; // 11.5
-    QTest::newRow("below zero") << QList<TTaxBracket>{{9999999, 0.0, 1.5}, {99999999, 0, 0}} << Rule::Weekly << 5.0 << -1.0;
-    QTest::newRow("yearly: to the cent, cents count") << QList<TTaxBracket>{{9999999, 0.105, 0}} << Rule::Yearly << 100.1
-                                                      << 10.51; // 10.5105
-    QTest::newRow("a loan's single rate is not a flat scale") << QList<TTaxBracket>{{9999999, 0.01, 0}} << Rule::StudyLoan
-                                                              << 149.0 << 1.0; // 1.4999
-    QTest::newRow("thresholds with cents") << QList<TTaxBracket>{{100.99, 0, 0}, {9999999, 0, -7}} << Rule::Weekly << 100.0
-                                           << 7.0; // 100.99 is not below 100.99
+    QTest::newRow("below zero") << QList<TTaxBracket>{{9999999, 0.0, 1.5}, {99999999, 0, 0}} << Rule::Weekly << 5.0
+                                << -1.0;
+    QTest::newRow("yearly: to the cent, cents count")
+        << QList<TTaxBracket>{{9999999, 0.105, 0}} << Rule::Yearly << 100.1 << 10.51; // 10.5105
+    QTest::newRow("a loan's single rate is not a flat scale")
+        << QList<TTaxBracket>{{9999999, 0.01, 0}} << Rule::StudyLoan << 149.0 << 1.0; // 1.4999
+    QTest::newRow("thresholds with cents") << QList<TTaxBracket>{{100.99, 0, 0}, {9999999, 0, -7}} << Rule::Weekly
+                                           << 100.0 << 7.0; // 100.99 is not below 100.99
 }
 
 void t_withholding::rounding()
@@ -98,21 +99,24 @@ void t_withholding::rounding()
 void t_withholding::publishedScalesGiveNoWarning()
 {
     TTaxWorld world;
-    const struct {
+    const struct
+    {
         const char *scales;
         const char *brackets;
         Rule rule;
         int expected;
     } kinds[] = {
         {"select idTaxScales from _iptblTaxScales",
-         "select TaxBracket, TaxPercentage, TaxAmount from _iptblTaxBrackets where iTaxScalesID = :id order by TaxBracket",
+         "select TaxBracket, TaxPercentage, TaxAmount from _iptblTaxBrackets where iTaxScalesID = :id order by "
+         "TaxBracket",
          Rule::Weekly, 49},
         {"select idHECSScales from _iptblHECSScales",
          "select fWeeklyEarnings, CoefficientA, CoefficientB from _iptblHECSBrackets where iHECSScalesID = :id "
          "order by fWeeklyEarnings",
          Rule::StudyLoan, 10},
         {"select idSFSSScales from _iptblSFSSScales",
-         "select fWeeklyEarnings, CoefficientA from _iptblSFSSBrackets where iSFSSScalesID = :id order by fWeeklyEarnings",
+         "select fWeeklyEarnings, CoefficientA from _iptblSFSSBrackets where iSFSSScalesID = :id order by "
+         "fWeeklyEarnings",
          Rule::StudyLoan, 4},
     };
     for (const auto &kind : kinds) {
@@ -139,25 +143,28 @@ void t_withholding::warnings_data()
     QTest::addColumn<Rule>("rule");
     QTest::addColumn<QStringList>("expected");
     const QString jump = "The result jumps by %1 at %2 (bracket %3).";
-    QTest::newRow("a digit too many in b") << QList<TTaxBracket>{{362, 0, 0}, {538, 0.15, 543.462}, {9999999, 0.25, 597.0}}
-                                           << Rule::Weekly
-                                           << QStringList{"The result jumps by -489.16 at 362.00 (bracket 2).",
-                                                          "The result is negative in bracket 2 (-489.00 at 362.00).",
-                                                          "The result is negative in bracket 3 (-462.00 at 538.00)."};
-    QTest::newRow("50 cents are no jump") << QList<TTaxBracket>{{100, 0.1, 0}, {9999999, 0.1, -0.5}} << Rule::Weekly
-                                          << QStringList();
+    QTest::newRow("a digit too many in b")
+        << QList<TTaxBracket>{{362, 0, 0}, {538, 0.15, 543.462}, {9999999, 0.25, 597.0}} << Rule::Weekly
+        << QStringList{"The result jumps by -489.16 at 362.00 (bracket 2).",
+                       "The result is negative in bracket 2 (-489.00 at 362.00).",
+                       "The result is negative in bracket 3 (-462.00 at 538.00)."};
+    QTest::newRow("50 cents are no jump")
+        << QList<TTaxBracket>{{100, 0.1, 0}, {9999999, 0.1, -0.5}} << Rule::Weekly << QStringList();
     QTest::newRow("a cent more is one") << QList<TTaxBracket>{{100, 0.1, 0}, {9999999, 0.1, -0.51}} << Rule::Weekly
                                         << QStringList{jump.arg("0.51", "100.00", "2")};
-    QTest::newRow("tax rates on the whole are a slip") << QList<TTaxBracket>{{1000, 0, 0}, {9999999, 0.01, 0}} << Rule::Weekly
-                                                       << QStringList{jump.arg("10.00", "1,000.00", "2")};
-    QTest::newRow("loan rates on the whole are meant") << QList<TTaxBracket>{{1000, 0, 0}, {9999999, 0.01, 0}}
-                                                       << Rule::StudyLoan << QStringList();
-    QTest::newRow("a loan rate that falls is not") << QList<TTaxBracket>{{1000, 0.1, 0}, {9999999, 0.02, 0}}
-                                                   << Rule::StudyLoan << QStringList{jump.arg("-80.00", "1,000.00", "2")};
-    QTest::newRow("thresholds twice") << QList<TTaxBracket>{{100, 0.1, 0}, {100, 0.1, 0}, {9999999, 0.1, 0}} << Rule::Weekly
+    QTest::newRow("tax rates on the whole are a slip")
+        << QList<TTaxBracket>{{1000, 0, 0}, {9999999, 0.01, 0}} << Rule::Weekly
+        << QStringList{jump.arg("10.00", "1,000.00", "2")};
+    QTest::newRow("loan rates on the whole are meant")
+        << QList<TTaxBracket>{{1000, 0, 0}, {9999999, 0.01, 0}} << Rule::StudyLoan << QStringList();
+    QTest::newRow("a loan rate that falls is not")
+        << QList<TTaxBracket>{{1000, 0.1, 0}, {9999999, 0.02, 0}} << Rule::StudyLoan
+        << QStringList{jump.arg("-80.00", "1,000.00", "2")};
+    QTest::newRow("thresholds twice") << QList<TTaxBracket>{{100, 0.1, 0}, {100, 0.1, 0}, {9999999, 0.1, 0}}
+                                      << Rule::Weekly
                                       << QStringList{"The thresholds do not rise at bracket 2 (100.00)."};
-    QTest::newRow("a few cents below zero") << QList<TTaxBracket>{{9999999, 0.15, 0.15}, {99999999, 0.15, 0.15}}
-                                            << Rule::Weekly << QStringList();
+    QTest::newRow("a few cents below zero")
+        << QList<TTaxBracket>{{9999999, 0.15, 0.15}, {99999999, 0.15, 0.15}} << Rule::Weekly << QStringList();
 }
 
 void t_withholding::warnings()
