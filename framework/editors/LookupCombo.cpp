@@ -166,15 +166,15 @@ private:
     std::optional<TGridRow> pinned_;
 };
 
-} // namespace
-
-// The drop-down. It hands typing and the ends of a long list to the combo box, which alone knows how to read.
 // Shift for a capital is part of the typing.
 bool IsModifier(const QKeyEvent *event)
 {
     return event->text().isEmpty() && event->key() >= Qt::Key_Shift && event->key() <= Qt::Key_ScrollLock;
 }
 
+} // namespace
+
+// The drop-down. It hands typing and the ends of a long list to the combo box, which alone knows how to read.
 class TLookupView final : public QTreeView
 {
 public:
@@ -223,8 +223,9 @@ struct TqsLookupCombo::Impl
     QString typed;
     QElapsedTimer typedAt;
 
-    // The query that reads the choices, or those of them that meet a further criterion.
-    TGridQuery Query(const QString &criterion = {}, const TDbParams &params = {}) const
+    // The query that reads the choices, or those of them that meet a further criterion, in their order or in that of a
+    // column.
+    TGridQuery Query(const QString &criterion = {}, const TDbParams &params = {}, const QString &orderBy = {}) const
     {
         TListSource list;
         list.from = source.from;
@@ -238,7 +239,7 @@ struct TqsLookupCombo::Impl
         QList<TGridColumn> columns;
         for (const auto &[field, heading] : source.columns)
             columns.append(TGridColumn{.field = field, .caption = heading});
-        QString order = source.orderBy.trimmed();
+        QString order = orderBy.isEmpty() ? source.orderBy.trimmed() : orderBy;
         TGridOrder direction = TGridOrder::Ascending;
         if (order.endsWith(QLatin1String(" desc"), Qt::CaseInsensitive)) {
             order = order.chopped(5).trimmed();
@@ -383,8 +384,9 @@ struct TqsLookupCombo::Impl
             return -1;
         }
         for (const auto &[field, heading] : std::as_const(source.columns)) {
+            // Ordered by the column itself, so that its index finds the text whether there are any such rows or not.
             const QList<TGridRow> found = Query(field + QStringLiteral(" like :LookupTyped escape '\\'"),
-                                                {{QStringLiteral("LookupTyped"), StartPattern(text)}})
+                                                {{QStringLiteral("LookupTyped"), StartPattern(text)}}, field)
                                               .First(1);
             if (found.isEmpty())
                 continue;
