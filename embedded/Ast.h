@@ -13,8 +13,23 @@
 namespace embedded {
 
 // A T-SQL data type, as far as it decides what an expression means.
-struct Type {
-    enum class Kind { Unknown, Bit, TinyInt, SmallInt, Int, BigInt, Float, Money, Decimal, Text, DateTime, Date, Binary };
+struct Type
+{
+    enum class Kind {
+        Unknown,
+        Bit,
+        TinyInt,
+        SmallInt,
+        Int,
+        BigInt,
+        Float,
+        Money,
+        Decimal,
+        Text,
+        DateTime,
+        Date,
+        Binary
+    };
 
     Kind kind = Kind::Unknown;
     int length = -1;  // characters of a text, -1 without limit
@@ -24,8 +39,7 @@ struct Type {
     Type() = default;
     Type(Kind typeKind) // NOLINT: a kind alone is a type
         : kind(typeKind)
-    {
-    }
+    {}
     bool IsInteger() const { return kind >= Kind::Bit && kind <= Kind::BigInt; }
     bool IsFloat() const { return kind >= Kind::Float && kind <= Kind::Decimal; }
     bool IsNumber() const { return IsInteger() || IsFloat(); }
@@ -41,17 +55,20 @@ struct Query;
 struct Expr;
 using ExprPtr = std::unique_ptr<Expr>;
 
-struct OrderItem {
+struct OrderItem
+{
     ExprPtr expr;
     bool descending = false;
 };
 
-struct Window {
+struct Window
+{
     std::vector<ExprPtr> partition;
     std::vector<OrderItem> order;
 };
 
-struct Expr {
+struct Expr
+{
     enum class Kind {
         Null,
         Integer,
@@ -94,13 +111,14 @@ struct Expr {
 
     bool IsPredicate() const
     {
-        return kind == Kind::Compare || kind == Kind::And || kind == Kind::Or || kind == Kind::Not || kind == Kind::Like
-            || kind == Kind::Between || kind == Kind::InList || kind == Kind::InQuery || kind == Kind::IsNull
-            || kind == Kind::Exists;
+        return kind == Kind::Compare || kind == Kind::And || kind == Kind::Or || kind == Kind::Not ||
+               kind == Kind::Like || kind == Kind::Between || kind == Kind::InList || kind == Kind::InQuery ||
+               kind == Kind::IsNull || kind == Kind::Exists;
     }
 };
 
-struct TableRef {
+struct TableRef
+{
     enum class Kind { Table, Derived, Function, Join };
     enum class Join { Cross, Inner, Left, Right, Full };
 
@@ -116,15 +134,17 @@ struct TableRef {
     ExprPtr on;
 };
 
-struct SelectItem {
+struct SelectItem
+{
     Place place;
-    ExprPtr expr;          // null for a star
-    QString alias;         // or the qualifier of a star
-    QString assignedTo;    // SELECT @x = expr
+    ExprPtr expr;       // null for a star
+    QString alias;      // or the qualifier of a star
+    QString assignedTo; // SELECT @x = expr
     bool star = false;
 };
 
-struct SelectCore {
+struct SelectCore
+{
     bool distinct = false;
     ExprPtr top;
     std::vector<SelectItem> items;
@@ -134,14 +154,16 @@ struct SelectCore {
     ExprPtr having;
 };
 
-struct Query {
+struct Query
+{
     Place place;
-    std::vector<SelectCore> arms;  // joined by UNION
-    std::vector<bool> all;         // one less than arms
+    std::vector<SelectCore> arms; // joined by UNION
+    std::vector<bool> all;        // one less than arms
     std::vector<OrderItem> orderBy;
 };
 
-struct Statement {
+struct Statement
+{
     enum class Kind {
         Select,
         Insert,
@@ -174,8 +196,7 @@ struct Statement {
 
     explicit Statement(Kind statementKind)
         : kind(statementKind)
-    {
-    }
+    {}
     virtual ~Statement() = default;
     Statement(const Statement &) = delete;
     Statement &operator=(const Statement &) = delete;
@@ -186,52 +207,58 @@ struct Statement {
 using StatementPtr = std::unique_ptr<Statement>;
 using StatementList = std::vector<StatementPtr>;
 
-template <Statement::Kind K>
-struct StatementOf : Statement {
+template <Statement::Kind K> struct StatementOf : Statement
+{
     StatementOf()
         : Statement(K)
-    {
-    }
+    {}
 };
 
-struct SelectStatement final : StatementOf<Statement::Kind::Select> {
+struct SelectStatement final : StatementOf<Statement::Kind::Select>
+{
     Query query;
     bool assigns = false; // SELECT @x = ...
 };
 
-struct InsertStatement final : StatementOf<Statement::Kind::Insert> {
+struct InsertStatement final : StatementOf<Statement::Kind::Insert>
+{
     QString table;
     QStringList columns;
     std::vector<std::vector<ExprPtr>> rows; // a null expression stands for DEFAULT
     std::unique_ptr<Query> query;
 };
 
-struct Assignment {
+struct Assignment
+{
     Place place;
     QString column;
     ExprPtr value; // null for DEFAULT
 };
 
-struct UpdateStatement final : StatementOf<Statement::Kind::Update> {
+struct UpdateStatement final : StatementOf<Statement::Kind::Update>
+{
     QString target; // a table or an alias of `from`
     std::vector<Assignment> assignments;
     std::vector<std::unique_ptr<TableRef>> from;
     ExprPtr where;
 };
 
-struct DeleteStatement final : StatementOf<Statement::Kind::Delete> {
+struct DeleteStatement final : StatementOf<Statement::Kind::Delete>
+{
     QString target;
     std::vector<std::unique_ptr<TableRef>> from;
     ExprPtr where;
 };
 
-struct ReferenceClause {
+struct ReferenceClause
+{
     QString table;
     QStringList columns;
     QString actions; // "ON DELETE CASCADE", already in SQLite's words
 };
 
-struct TableConstraint {
+struct TableConstraint
+{
     enum class Kind { PrimaryKey, Unique, Check, ForeignKey };
 
     Kind kind = Kind::Check;
@@ -242,7 +269,8 @@ struct TableConstraint {
     ReferenceClause reference;
 };
 
-struct ColumnDefinition {
+struct ColumnDefinition
+{
     Place place;
     QString name;
     Type type;
@@ -253,26 +281,30 @@ struct ColumnDefinition {
     std::vector<TableConstraint> constraints; // written at the column
 };
 
-struct CreateTableStatement final : StatementOf<Statement::Kind::CreateTable> {
+struct CreateTableStatement final : StatementOf<Statement::Kind::CreateTable>
+{
     QString table;
     std::vector<ColumnDefinition> columns;
     std::vector<TableConstraint> constraints;
 };
 
-struct AlterTableStatement final : StatementOf<Statement::Kind::AlterTable> {
+struct AlterTableStatement final : StatementOf<Statement::Kind::AlterTable>
+{
     QString table;
     std::vector<ColumnDefinition> columns;
     std::vector<TableConstraint> constraints;
 };
 
-struct CreateIndexStatement final : StatementOf<Statement::Kind::CreateIndex> {
+struct CreateIndexStatement final : StatementOf<Statement::Kind::CreateIndex>
+{
     QString name;
     QString table;
     bool unique = false;
     std::vector<std::pair<QString, bool>> columns; // name, descending
 };
 
-struct DropStatement final : StatementOf<Statement::Kind::Drop> {
+struct DropStatement final : StatementOf<Statement::Kind::Drop>
+{
     enum class Object { Table, View, Procedure, Function, Index };
     Object object = Object::Table;
     QStringList names;
@@ -280,13 +312,15 @@ struct DropStatement final : StatementOf<Statement::Kind::Drop> {
     bool ifExists = false;
 };
 
-struct CreateViewStatement final : StatementOf<Statement::Kind::CreateView> {
+struct CreateViewStatement final : StatementOf<Statement::Kind::CreateView>
+{
     QString name;
     Query query;
     QString source;
 };
 
-struct Parameter {
+struct Parameter
+{
     QString name;  // in small letters, with '@'
     QString label; // as written, without
     Type type;
@@ -294,7 +328,8 @@ struct Parameter {
     bool output = false;
 };
 
-struct CreateFunctionStatement final : StatementOf<Statement::Kind::CreateFunction> {
+struct CreateFunctionStatement final : StatementOf<Statement::Kind::CreateFunction>
+{
     QString name;
     std::vector<Parameter> parameters;
     std::unique_ptr<Query> query; // of an inline table function, else null
@@ -303,53 +338,63 @@ struct CreateFunctionStatement final : StatementOf<Statement::Kind::CreateFuncti
     QString source;
 };
 
-struct CreateProcedureStatement final : StatementOf<Statement::Kind::CreateProcedure> {
+struct CreateProcedureStatement final : StatementOf<Statement::Kind::CreateProcedure>
+{
     QString name;
     std::vector<Parameter> parameters;
     StatementList body;
     QString source;
 };
 
-struct DeclareStatement final : StatementOf<Statement::Kind::Declare> {
-    std::vector<Parameter> variables;                                   // defaultValue is the initialiser
+struct DeclareStatement final : StatementOf<Statement::Kind::Declare>
+{
+    std::vector<Parameter> variables;                          // defaultValue is the initialiser
     std::vector<std::unique_ptr<CreateTableStatement>> tables; // DECLARE @t TABLE (...)
 };
 
-struct SetStatement final : StatementOf<Statement::Kind::Set> {
+struct SetStatement final : StatementOf<Statement::Kind::Set>
+{
     QString variable;
     ExprPtr value;
 };
 
-struct SetOptionStatement final : StatementOf<Statement::Kind::SetOption> {
+struct SetOptionStatement final : StatementOf<Statement::Kind::SetOption>
+{
     QString identityInsert; // the table of SET IDENTITY_INSERT, else empty: an option that changes nothing here
     bool on = false;
 };
 
-struct IfStatement final : StatementOf<Statement::Kind::If> {
+struct IfStatement final : StatementOf<Statement::Kind::If>
+{
     ExprPtr condition;
     StatementPtr then;
     StatementPtr otherwise;
 };
 
-struct WhileStatement final : StatementOf<Statement::Kind::While> {
+struct WhileStatement final : StatementOf<Statement::Kind::While>
+{
     ExprPtr condition;
     StatementPtr body;
 };
 
-struct BlockStatement final : StatementOf<Statement::Kind::Block> {
+struct BlockStatement final : StatementOf<Statement::Kind::Block>
+{
     StatementList body;
 };
 
 using BreakStatement = StatementOf<Statement::Kind::Break>;
 using ContinueStatement = StatementOf<Statement::Kind::Continue>;
 
-struct ReturnStatement final : StatementOf<Statement::Kind::Return> {
+struct ReturnStatement final : StatementOf<Statement::Kind::Return>
+{
     ExprPtr value;
 };
 
-struct ExecStatement final : StatementOf<Statement::Kind::Exec> {
-    struct Argument {
-        QString name; // empty when given by position
+struct ExecStatement final : StatementOf<Statement::Kind::Exec>
+{
+    struct Argument
+    {
+        QString name;  // empty when given by position
         ExprPtr value; // null for DEFAULT
         bool output = false;
     };
@@ -358,27 +403,32 @@ struct ExecStatement final : StatementOf<Statement::Kind::Exec> {
     std::vector<Argument> arguments;
 };
 
-struct RaisErrorStatement final : StatementOf<Statement::Kind::RaisError> {
+struct RaisErrorStatement final : StatementOf<Statement::Kind::RaisError>
+{
     std::vector<ExprPtr> arguments; // message, severity, state, then what the message's %s and %d stand for
 };
 
-struct ThrowStatement final : StatementOf<Statement::Kind::Throw> {
+struct ThrowStatement final : StatementOf<Statement::Kind::Throw>
+{
     std::vector<ExprPtr> arguments; // number, message, state, or none: throw again
 };
 
 using PrintStatement = StatementOf<Statement::Kind::Print>;
 
-struct TryStatement final : StatementOf<Statement::Kind::Try> {
+struct TryStatement final : StatementOf<Statement::Kind::Try>
+{
     StatementList body;
     StatementList handler;
 };
 
-struct TransactionStatement final : StatementOf<Statement::Kind::Transaction> {
+struct TransactionStatement final : StatementOf<Statement::Kind::Transaction>
+{
     enum class Action { Begin, Commit, Rollback };
     Action action = Action::Begin;
 };
 
-struct CursorStatement final : StatementOf<Statement::Kind::Cursor> {
+struct CursorStatement final : StatementOf<Statement::Kind::Cursor>
+{
     enum class Action { Declare, Open, Fetch, Close, Deallocate };
     Action action = Action::Declare;
     QString name;
@@ -389,10 +439,11 @@ struct CursorStatement final : StatementOf<Statement::Kind::Cursor> {
 struct CompiledSet;
 
 // A parsed batch.
-struct Program {
+struct Program
+{
     QString text;
     StatementList statements;
-    QHash<QString, Place> undeclared; // variables (lower case, with '@') that the caller has to give
+    QHash<QString, Place> undeclared;      // variables (lower case, with '@') that the caller has to give
     std::shared_ptr<CompiledSet> compiled; // the interpreter's prepared statements
 };
 

@@ -12,14 +12,18 @@ using namespace Qt::StringLiterals;
 Type TypeFromText(const QString &declared)
 {
     static const QHash<QString, Type::Kind> kinds = {
-        {u"bit"_s, Type::Kind::Bit},           {u"tinyint"_s, Type::Kind::TinyInt},     {u"smallint"_s, Type::Kind::SmallInt},
-        {u"int"_s, Type::Kind::Int},           {u"integer"_s, Type::Kind::Int},         {u"bigint"_s, Type::Kind::BigInt},
-        {u"float"_s, Type::Kind::Float},       {u"real"_s, Type::Kind::Float},          {u"money"_s, Type::Kind::Money},
-        {u"smallmoney"_s, Type::Kind::Money},  {u"decimal"_s, Type::Kind::Decimal},     {u"numeric"_s, Type::Kind::Decimal},
-        {u"varchar"_s, Type::Kind::Text},      {u"nvarchar"_s, Type::Kind::Text},       {u"char"_s, Type::Kind::Text},
-        {u"nchar"_s, Type::Kind::Text},        {u"text"_s, Type::Kind::Text},           {u"ntext"_s, Type::Kind::Text},
-        {u"datetime"_s, Type::Kind::DateTime}, {u"smalldatetime"_s, Type::Kind::DateTime}, {u"date"_s, Type::Kind::Date},
-        {u"image"_s, Type::Kind::Binary},      {u"varbinary"_s, Type::Kind::Binary},    {u"binary"_s, Type::Kind::Binary},
+        {u"bit"_s, Type::Kind::Bit},           {u"tinyint"_s, Type::Kind::TinyInt},
+        {u"smallint"_s, Type::Kind::SmallInt}, {u"int"_s, Type::Kind::Int},
+        {u"integer"_s, Type::Kind::Int},       {u"bigint"_s, Type::Kind::BigInt},
+        {u"float"_s, Type::Kind::Float},       {u"real"_s, Type::Kind::Float},
+        {u"money"_s, Type::Kind::Money},       {u"smallmoney"_s, Type::Kind::Money},
+        {u"decimal"_s, Type::Kind::Decimal},   {u"numeric"_s, Type::Kind::Decimal},
+        {u"varchar"_s, Type::Kind::Text},      {u"nvarchar"_s, Type::Kind::Text},
+        {u"char"_s, Type::Kind::Text},         {u"nchar"_s, Type::Kind::Text},
+        {u"text"_s, Type::Kind::Text},         {u"ntext"_s, Type::Kind::Text},
+        {u"datetime"_s, Type::Kind::DateTime}, {u"smalldatetime"_s, Type::Kind::DateTime},
+        {u"date"_s, Type::Kind::Date},         {u"image"_s, Type::Kind::Binary},
+        {u"varbinary"_s, Type::Kind::Binary},  {u"binary"_s, Type::Kind::Binary},
         {u"blob"_s, Type::Kind::Binary}};
     static const QRegularExpression form(u"^\\s*(\\w+)\\s*(?:\\(\\s*(max|\\d+)\\s*(?:,\\s*(\\d+)\\s*)?\\))?\\s*$"_s,
                                          QRegularExpression::CaseInsensitiveOption);
@@ -33,10 +37,8 @@ Type TypeFromText(const QString &declared)
     if (type.kind == Type::Kind::Money)
         type.scale = 4;
     // A length is not for every type, a length of 0 for none.
-    if (hasLength
-        && (type.length == 0
-            || !(type.IsText() || type.kind == Type::Kind::Decimal || type.kind == Type::Kind::Binary
-                 || type.kind == Type::Kind::Float)))
+    if (hasLength && (type.length == 0 || !(type.IsText() || type.kind == Type::Kind::Decimal ||
+                                            type.kind == Type::Kind::Binary || type.kind == Type::Kind::Float)))
         return {};
     type.declared = declared.trimmed().toLower();
     return type;
@@ -53,8 +55,7 @@ const Column *Table::Find(const QString &column) const
 
 Catalogue::Catalogue(Database &database)
     : database_(database)
-{
-}
+{}
 
 void Catalogue::CreateStore(Database &database)
 {
@@ -65,7 +66,8 @@ void Catalogue::CreateStore(Database &database)
 
 QString Catalogue::Source(const QString &kind, const QString &name)
 {
-    return database_.Execute(u"SELECT source FROM main._corvex_objects WHERE kind = ?1 AND name = ?2"_s, {kind, name}).toString();
+    return database_.Execute(u"SELECT source FROM main._corvex_objects WHERE kind = ?1 AND name = ?2"_s, {kind, name})
+        .toString();
 }
 
 void Catalogue::Remember(const QString &kind, const QString &name, const QString &source)
@@ -115,8 +117,8 @@ std::unique_ptr<Table> Catalogue::Load(const QString &name)
     QString kind;
     {
         const StatementHandle statement = database_.Prepare(
-            u"SELECT type, name FROM %1.sqlite_schema WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE"_s.arg(
-                temporary ? "temp"_L1 : "main"_L1));
+            u"SELECT type, name FROM %1.sqlite_schema WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE"_s
+                .arg(temporary ? "temp"_L1 : "main"_L1));
         database_.Bind(statement.get(), 1, name);
         if (!database_.Step(statement.get()))
             return nullptr;
@@ -133,7 +135,8 @@ std::unique_ptr<Table> Catalogue::Load(const QString &name)
         }
     }
     const StatementHandle statement = database_.Prepare(
-        u"SELECT x.name, x.type, x.\"notnull\", x.dflt_value, x.pk, (SELECT count(*) FROM pragma_table_xinfo(?1, ?2) AS y WHERE "
+        u"SELECT x.name, x.type, x.\"notnull\", x.dflt_value, x.pk, (SELECT count(*) FROM pragma_table_xinfo(?1, ?2) "
+        u"AS y WHERE "
         "y.pk > 0), (SELECT source FROM main._corvex_objects WHERE kind = 'type' AND name = ?1 || '.' || x.name) FROM "
         "pragma_table_xinfo(?1, ?2) AS x"_s);
     database_.Bind(statement.get(), 1, table->name);
@@ -146,14 +149,15 @@ std::unique_ptr<Table> Catalogue::Load(const QString &name)
         column.type = TypeFromText(exact.isEmpty() ? declared : exact);
         column.notNull = Database::Value(statement.get(), 2).toBool();
         column.hasDefault = Database::Value(statement.get(), 3).isValid();
-        column.rowId = Database::Value(statement.get(), 4).toInt() == 1 && Database::Value(statement.get(), 5).toInt() == 1
-            && declared.compare("INTEGER"_L1, Qt::CaseInsensitive) == 0;
+        column.rowId = Database::Value(statement.get(), 4).toInt() == 1 &&
+                       Database::Value(statement.get(), 5).toInt() == 1 &&
+                       declared.compare("INTEGER"_L1, Qt::CaseInsensitive) == 0;
         if (!table->view) {
             const char *collation = nullptr;
             int autoIncrement = 0;
-            sqlite3_table_column_metadata(database_.Handle(), temporary ? "temp" : "main", table->name.toUtf8().constData(),
-                                          column.name.toUtf8().constData(), nullptr, &collation, nullptr, nullptr,
-                                          &autoIncrement);
+            sqlite3_table_column_metadata(database_.Handle(), temporary ? "temp" : "main",
+                                          table->name.toUtf8().constData(), column.name.toUtf8().constData(), nullptr,
+                                          &collation, nullptr, nullptr, &autoIncrement);
             column.identity = autoIncrement != 0;
             column.noCase = collation && qstricmp(collation, "NOCASE") == 0;
         } else {
@@ -174,7 +178,8 @@ const FunctionRoutine *Catalogue::FindFunction(const QString &name)
             return nullptr;
         auto function = std::make_shared<FunctionRoutine>();
         function->program = Parse(source);
-        function->definition = static_cast<const CreateFunctionStatement *>(function->program->statements.front().get());
+        function->definition =
+            static_cast<const CreateFunctionStatement *>(function->program->statements.front().get());
         known = functions_.insert(key, function);
     }
     return known->get();
@@ -190,7 +195,8 @@ std::shared_ptr<const ProcedureRoutine> Catalogue::FindProcedure(const QString &
             return nullptr;
         auto procedure = std::make_shared<ProcedureRoutine>();
         procedure->program = Parse(source);
-        procedure->definition = static_cast<const CreateProcedureStatement *>(procedure->program->statements.front().get());
+        procedure->definition =
+            static_cast<const CreateProcedureStatement *>(procedure->program->statements.front().get());
         known = procedures_.insert(key, procedure);
     }
     return *known;

@@ -12,18 +12,20 @@
 
 namespace embedded {
 
-struct Column {
+struct Column
+{
     QString name;
     Type type;
     bool notNull = false;
     bool identity = false;
-    bool rowId = false;      // INTEGER PRIMARY KEY: SQLite's row number
+    bool rowId = false; // INTEGER PRIMARY KEY: SQLite's row number
     bool hasDefault = false;
-    bool trimmed = true;     // holds no trailing blanks
-    bool noCase = true;      // compares without regard to case by itself
+    bool trimmed = true; // holds no trailing blanks
+    bool noCase = true;  // compares without regard to case by itself
 };
 
-struct Table {
+struct Table
+{
     QString name;
     QList<Column> columns;
     bool view = false;
@@ -32,8 +34,8 @@ struct Table {
 };
 
 // A procedure or a function: the statement of `program` that created it.
-template <typename T>
-struct Routine {
+template <typename T> struct Routine
+{
     std::shared_ptr<Program> program;
     const T *definition = nullptr;
 };

@@ -6,6 +6,7 @@
 #include <QUrl>
 
 #include "embedded/Functions.h"
+#include "embedded/Lexer.h"
 
 namespace embedded {
 
@@ -20,15 +21,15 @@ Database::Database(const QString &file, Access access, int busyTimeoutMs)
         sqlite3_extended_result_codes(handle_, 1);
         sqlite3_busy_timeout(handle_, busyTimeoutMs);
         if (access == Access::ReadWrite) {
-            // The first look at the file says whether it is one. A write-ahead log needs its index beside it: where that
-            // cannot be made, the file is read as it stands.
+            // The first look at the file says whether it is one. A write-ahead log needs its index beside it: where
+            // that cannot be made, the file is read as it stands.
             sqlite3_stmt *statement = nullptr;
             int code = sqlite3_prepare_v2(handle_, "PRAGMA schema_version", -1, &statement, nullptr);
             if (code == SQLITE_OK)
                 code = sqlite3_step(statement) == SQLITE_ROW ? SQLITE_OK : sqlite3_extended_errcode(handle_);
             sqlite3_finalize(statement);
-            const bool noIndex =
-                (code & 0xff) == SQLITE_CANTOPEN || code == SQLITE_READONLY_DIRECTORY || code == SQLITE_READONLY_CANTINIT;
+            const bool noIndex = (code & 0xff) == SQLITE_CANTOPEN || code == SQLITE_READONLY_DIRECTORY ||
+                                 code == SQLITE_READONLY_CANTINIT;
             if (noIndex && QFileInfo(file + u"-wal"_s).size() == 0) { // what the log holds must not go unread
                 sqlite3_close_v2(std::exchange(handle_, nullptr));
                 const QByteArray path = QUrl::toPercentEncoding(QFileInfo(file).absoluteFilePath(), "/");
@@ -59,7 +60,7 @@ void Database::OpenHandle(const QString &name, int flags)
         return;
     const QString reason = handle_ ? QString::fromUtf8(sqlite3_errmsg(handle_)) : u"out of memory"_s;
     sqlite3_close_v2(std::exchange(handle_, nullptr));
-    throw Error(Error::Kind::Other, 5120, u"Unable to open the database file \"%1\": %2."_s.arg(file_, reason));
+    Fail(Error::Kind::Other, 5120, u"Unable to open the database file \"%1\": %2."_s.arg(file_, reason));
 }
 
 bool Database::IsReadOnly() const
@@ -71,8 +72,8 @@ StatementHandle Database::Prepare(const QString &sql)
 {
     const QByteArray text = sql.toUtf8();
     sqlite3_stmt *statement = nullptr;
-    const int code = sqlite3_prepare_v3(handle_, text.constData(), int(text.size()), SQLITE_PREPARE_PERSISTENT, &statement,
-                                        nullptr);
+    const int code =
+        sqlite3_prepare_v3(handle_, text.constData(), int(text.size()), SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
     if (code != SQLITE_OK)
         Throw(code);
     return StatementHandle(statement);
@@ -103,14 +104,14 @@ void Database::Bind(sqlite3_stmt *statement, int index, const QVariant &value)
         break;
     case QMetaType::QByteArray: {
         const QByteArray bytes = value.toByteArray();
-        code = sqlite3_bind_blob64(statement, index, bytes.constData() ? bytes.constData() : "", sqlite3_uint64(bytes.size()),
-                                   SQLITE_TRANSIENT);
+        code = sqlite3_bind_blob64(statement, index, bytes.constData() ? bytes.constData() : "",
+                                   sqlite3_uint64(bytes.size()), SQLITE_TRANSIENT);
         break;
     }
     default: {
         const QByteArray text = value.toString().toUtf8();
-        code = sqlite3_bind_text64(statement, index, text.constData() ? text.constData() : "", sqlite3_uint64(text.size()),
-                                   SQLITE_TRANSIENT, SQLITE_UTF8);
+        code = sqlite3_bind_text64(statement, index, text.constData() ? text.constData() : "",
+                                   sqlite3_uint64(text.size()), SQLITE_TRANSIENT, SQLITE_UTF8);
     }
     }
     if (code != SQLITE_OK)
@@ -164,44 +165,44 @@ void Database::Throw(int code)
         ThrowConstraint(code, message);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        throw Error(Error::Kind::Locked, 1222,
-                    u"Lock request time out period exceeded: another program is working in the database \"%1\"."_s.arg(name));
+        Fail(Error::Kind::Locked, 1222,
+             u"Lock request time out period exceeded: another program is working in the database \"%1\"."_s.arg(name));
     case SQLITE_READONLY:
-        throw Error(Error::Kind::ReadOnly, 3906,
-                    u"Failed to update database \"%1\" because the database is read-only."_s.arg(name));
+        Fail(Error::Kind::ReadOnly, 3906,
+             u"Failed to update database \"%1\" because the database is read-only."_s.arg(name));
     case SQLITE_FULL:
-        throw Error(Error::Kind::DiskFull, 1105,
-                    u"Could not allocate space in database \"%1\" because the disk is full."_s.arg(name));
+        Fail(Error::Kind::DiskFull, 1105,
+             u"Could not allocate space in database \"%1\" because the disk is full."_s.arg(name));
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-        throw Error(Error::Kind::Damaged, 824,
-                    u"The database file \"%1\" is damaged or is not a database (%2)."_s.arg(name, message));
+        Fail(Error::Kind::Damaged, 824,
+             u"The database file \"%1\" is damaged or is not a database (%2)."_s.arg(name, message));
     case SQLITE_IOERR:
-        throw Error(Error::Kind::Other, 823, u"The operating system reported an error on the database file \"%1\" (%2)."_s.arg(
-                                                 name, message));
+        Fail(Error::Kind::Other, 823,
+             u"The operating system reported an error on the database file \"%1\" (%2)."_s.arg(name, message));
     case SQLITE_CANTOPEN:
-        throw Error(Error::Kind::Other, 5120, u"Unable to open the database file \"%1\" (%2)."_s.arg(name, message));
+        Fail(Error::Kind::Other, 5120, u"Unable to open the database file \"%1\" (%2)."_s.arg(name, message));
     case SQLITE_TOOBIG:
-        throw Error(Error::Kind::TooLong, 8152, u"String or binary data would be truncated."_s);
+        Fail(Error::Kind::TooLong, 8152, u"String or binary data would be truncated."_s);
     default:
         break;
     }
     // SQLite's own limits on the size of a statement
     for (const QLatin1StringView limit : {"parser stack overflow"_L1, "too large"_L1, "too many"_L1, "at most"_L1}) {
         if (message.contains(limit))
-            throw Error(Error::Kind::Refused, 8631, u"The statement is too large or too deeply nested (%1)."_s.arg(message));
+            Fail(Error::Kind::Refused, 8631, u"The statement is too large or too deeply nested (%1)."_s.arg(message));
     }
     if (message == "integer overflow"_L1)
-        throw Error(Error::Kind::Check, 8115, u"Arithmetic overflow error converting expression to data type bigint."_s);
-    throw Error(Error::Kind::Other, 50001, u"%1 (SQLite code %2)"_s.arg(message).arg(code));
+        Fail(Error::Kind::Check, 8115, u"Arithmetic overflow error converting expression to data type bigint."_s);
+    Fail(Error::Kind::Other, 50001, u"%1 (SQLite code %2)"_s.arg(message).arg(code));
 }
 
 // Whether the columns are the primary key, a UNIQUE constraint or a unique index.
 QString Database::KeyKind(const QString &table, const QStringList &columns)
 {
-    const StatementHandle statement = Prepare(
-        u"SELECT l.origin, (SELECT group_concat(i.name, ', ') FROM pragma_index_info(l.name) AS i) FROM pragma_index_list(?1) "
-        "AS l WHERE l.\"unique\""_s);
+    const StatementHandle statement = Prepare(u"SELECT l.origin, (SELECT group_concat(i.name, ', ') FROM "
+                                              u"pragma_index_info(l.name) AS i) FROM pragma_index_list(?1) "
+                                              "AS l WHERE l.\"unique\""_s);
     Bind(statement.get(), 1, table);
     while (Step(statement.get())) {
         if (Value(statement.get(), 1).toString() == columns.join(u", "_s))
@@ -216,10 +217,10 @@ void Database::ThrowConstraint(int code, const QString &message)
     const QString detail = message.section(u": "_s, 1);
     switch (code) {
     case SQLITE_CONSTRAINT_NOTNULL:
-        throw Error(Error::Kind::NullValue, 515,
-                    u"Cannot insert the value NULL into column '%1', table '%2'; column does not allow nulls."_s.arg(
-                        detail.section(u'.', 1), detail.section(u'.', 0, 0)),
-                    0, 0, detail.section(u'.', 1));
+        Fail(Error::Kind::NullValue, 515,
+             u"Cannot insert the value NULL into column '%1', table '%2'; column does not allow nulls."_s.arg(
+                 detail.section(u'.', 1), detail.section(u'.', 0, 0)),
+             {}, detail.section(u'.', 1));
     case SQLITE_CONSTRAINT_PRIMARYKEY:
     case SQLITE_CONSTRAINT_ROWID:
     case SQLITE_CONSTRAINT_UNIQUE: {
@@ -229,34 +230,34 @@ void Database::ThrowConstraint(int code, const QString &message)
             columns.append(column.section(u'.', 1));
         const QString kind = KeyKind(table, columns);
         if (kind == "c"_L1)
-            throw Error(Error::Kind::Duplicate, 2601,
-                        u"Cannot insert duplicate key row in object 'dbo.%1' with a unique index on (%2)."_s.arg(
-                            table, columns.join(u", "_s)),
-                        0, 0, columns.first());
-        throw Error(Error::Kind::Duplicate, 2627,
-                    u"Violation of %1 constraint on (%2). Cannot insert duplicate key in object 'dbo.%3'."_s.arg(
-                        kind == "u"_L1 ? u"UNIQUE KEY"_s : u"PRIMARY KEY"_s, columns.join(u", "_s), table),
-                    0, 0, columns.first());
+            Fail(Error::Kind::Duplicate, 2601,
+                 u"Cannot insert duplicate key row in object 'dbo.%1' with a unique index on (%2)."_s.arg(
+                     table, columns.join(u", "_s)),
+                 {}, columns.first());
+        Fail(Error::Kind::Duplicate, 2627,
+             u"Violation of %1 constraint on (%2). Cannot insert duplicate key in object 'dbo.%3'."_s.arg(
+                 kind == "u"_L1 ? u"UNIQUE KEY"_s : u"PRIMARY KEY"_s, columns.join(u", "_s), table),
+             {}, columns.first());
     }
     case SQLITE_CONSTRAINT_FOREIGNKEY:
-        throw Error(Error::Kind::Referenced, 547, u"The statement conflicted with a REFERENCE or FOREIGN KEY constraint."_s);
+        Fail(Error::Kind::Referenced, 547, u"The statement conflicted with a REFERENCE or FOREIGN KEY constraint."_s);
     case SQLITE_CONSTRAINT_DATATYPE:
-        throw Error(Error::Kind::Check, 245, u"Conversion failed: the key has to be a whole number."_s);
+        Fail(Error::Kind::Check, 245, u"Conversion failed: the key has to be a whole number."_s);
     default:
         break;
     }
     if (detail.startsWith(kLengthCheck)) {
         const QString column = detail.mid(kLengthCheck.size());
-        throw Error(Error::Kind::TooLong, 8152, u"String or binary data would be truncated (column '%1')."_s.arg(column), 0, 0,
-                    column);
+        Fail(Error::Kind::TooLong, 8152, u"String or binary data would be truncated (column '%1')."_s.arg(column), {},
+             column);
     }
     if (detail.startsWith(kTypeCheck)) {
         const QString column = detail.mid(kTypeCheck.size());
-        throw Error(Error::Kind::Check, 245, u"Conversion failed: the value is not of the type of column '%1'."_s.arg(column),
-                    0, 0, column);
+        Fail(Error::Kind::Check, 245, u"Conversion failed: the value is not of the type of column '%1'."_s.arg(column),
+             {}, column);
     }
-    throw Error(Error::Kind::Check, 547, u"The statement conflicted with the CHECK constraint \"%1\"."_s.arg(detail), 0, 0,
-                detail);
+    Fail(Error::Kind::Check, 547, u"The statement conflicted with the CHECK constraint \"%1\"."_s.arg(detail), {},
+         detail);
 }
 
 } // namespace embedded

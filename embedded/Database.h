@@ -14,12 +14,14 @@
 
 namespace embedded {
 
-struct StatementCloser {
+struct StatementCloser
+{
     void operator()(sqlite3_stmt *statement) const { sqlite3_finalize(statement); }
 };
 using StatementHandle = std::unique_ptr<sqlite3_stmt, StatementCloser>;
 
-// The SQLite connection. Values that travel to and from it are invalid (NULL), qlonglong, double, QString or QByteArray.
+// The SQLite connection. Values that travel to and from it are invalid (NULL), qlonglong, double, QString or
+// QByteArray.
 class Database
 {
 public:
@@ -45,7 +47,7 @@ public:
     QVariant Execute(const QString &sql, const QVariantList &values = {});
 
     // A function that runs within SQLite leaves its error here; Step throws it.
-    void Fail(const Error &error) { pending_.emplace(error); }
+    void Defer(const Error &error) { pending_.emplace(error); }
     // What the SQL function cx_call does: set by the interpreter.
     std::function<QVariant(const QString &function, const QVariantList &arguments)> callFunction;
 

@@ -31,16 +31,15 @@ void Prepare(Database &database)
 
 } // namespace
 
-struct Engine::Impl {
+struct Engine::Impl
+{
     Impl(const QString &file, Database::Access access, const Limits &limits)
         : database(file, access, limits.busyTimeoutMs)
         , interpreter(database, limits)
-    {
-    }
+    {}
 
     // Adds the statement to an error that does not name one.
-    template <typename Work>
-    auto Guarded(const QString &statement, Work work)
+    template <typename Work> auto Guarded(const QString &statement, Work work)
     {
         try {
             return work();
@@ -56,15 +55,14 @@ struct Engine::Impl {
 
 Engine::Engine(std::unique_ptr<Impl> impl)
     : impl_(std::move(impl))
-{
-}
+{}
 
 Engine::~Engine() = default;
 
 std::unique_ptr<Engine> Engine::Create(const QString &file, const Limits &limits)
 {
     if (QFileInfo::exists(file))
-        throw Error(Error::Kind::Other, 1802, u"The file \"%1\" exists already."_s.arg(file));
+        Fail(Error::Kind::Other, 1802, u"The file \"%1\" exists already."_s.arg(file));
     try {
         auto impl = std::make_unique<Impl>(file, Database::Access::Create, limits);
         Database &database = impl->database;
@@ -88,22 +86,23 @@ std::unique_ptr<Engine> Engine::Open(const QString &file, const Limits &limits)
 {
     const QFileInfo info(file);
     if (!info.isFile())
-        throw Error(Error::Kind::Other, 5133, u"The database file \"%1\" does not exist."_s.arg(file));
+        Fail(Error::Kind::Other, 5133, u"The database file \"%1\" does not exist."_s.arg(file));
     const QFileInfo log(file + u"-wal"_s);
     if (info.size() == 0 && log.size() == 0)
-        throw Error(Error::Kind::Damaged, 824, u"The database file \"%1\" is damaged: it is empty."_s.arg(info.fileName()));
+        Fail(Error::Kind::Damaged, 824, u"The database file \"%1\" is damaged: it is empty."_s.arg(info.fileName()));
     auto impl = std::make_unique<Impl>(file, Database::Access::ReadWrite, limits);
     Database &database = impl->database;
     Prepare(database);
-    const bool ours = database.Execute(u"PRAGMA application_id"_s).toLongLong() == kApplicationId
-        && database.Execute(u"SELECT count(*) FROM sqlite_schema WHERE name = '_corvex_objects'"_s).toInt() == 1;
+    const bool ours =
+        database.Execute(u"PRAGMA application_id"_s).toLongLong() == kApplicationId &&
+        database.Execute(u"SELECT count(*) FROM sqlite_schema WHERE name = '_corvex_objects'"_s).toInt() == 1;
     if (!ours)
-        throw Error(Error::Kind::ForeignFile, 1813,
-                    u"The file \"%1\" is a SQLite database, but not one of this program."_s.arg(info.fileName()));
+        Fail(Error::Kind::ForeignFile, 1813,
+             u"The file \"%1\" is a SQLite database, but not one of this program."_s.arg(info.fileName()));
     if (database.Execute(u"PRAGMA user_version"_s).toLongLong() > kFormatVersion)
-        throw Error(Error::Kind::NewerFile, 948,
-                    u"The database \"%1\" was made by a newer version of this program and cannot be opened by this one."_s.arg(
-                        info.fileName()));
+        Fail(Error::Kind::NewerFile, 948,
+             u"The database \"%1\" was made by a newer version of this program and cannot be opened by this one."_s.arg(
+                 info.fileName()));
     return std::unique_ptr<Engine>(new Engine(std::move(impl)));
 }
 
@@ -123,8 +122,8 @@ void Engine::RunScript(const QString &script, const QString &title)
         try {
             impl_->interpreter.Run(batch, {}, false);
         } catch (const Error &error) {
-            throw Error(error.kind, error.number, u"%1: %2"_s.arg(title, error.text), error.line, error.column, error.token,
-                        batch.trimmed());
+            throw Error(error.kind, error.number, u"%1: %2"_s.arg(title, error.text), error.line, error.column,
+                        error.token, batch.trimmed());
         }
     }
 }

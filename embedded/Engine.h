@@ -23,15 +23,15 @@ class CORVEX_API Error : public std::exception
 {
 public:
     enum class Kind {
-        Syntax,      // does not parse
-        Refused,     // parses as something outside the subset
-        Unknown,     // no such table, column, procedure, function or parameter
-        Duplicate,   // primary key or unique index
-        Referenced,  // foreign key
-        TooLong,     // text beyond varchar(n)
-        NullValue,   // NULL in a NOT NULL column
-        Check,       // another constraint, or a value that is not of the column's type
-        Locked,      // another process holds the file longer than the busy timeout
+        Syntax,     // does not parse
+        Refused,    // parses as something outside the subset
+        Unknown,    // no such table, column, procedure, function or parameter
+        Duplicate,  // primary key or unique index
+        Referenced, // foreign key
+        TooLong,    // text beyond varchar(n)
+        NullValue,  // NULL in a NOT NULL column
+        Check,      // another constraint, or a value that is not of the column's type
+        Locked,     // another process holds the file longer than the busy timeout
         ReadOnly,
         DiskFull,
         Damaged,     // truncated or not a database
@@ -41,7 +41,8 @@ public:
         Other
     };
 
-    Error(Kind kind, int number, QString text, int line = 0, int column = 0, QString token = {}, QString statement = {});
+    Error(Kind kind, int number, QString text, int line = 0, int column = 0, QString token = {},
+          QString statement = {});
     const char *what() const noexcept override { return utf8_.constData(); }
 
     const Kind kind;
@@ -56,21 +57,24 @@ private:
     QByteArray utf8_;
 };
 
-// One result set, read to its end. Values: NULL as an invalid QVariant, int/smallint/tinyint as int, bigint as qlonglong,
-// bit as bool, float/real/money/decimal as double, text as QString, datetime as QDateTime (local time).
-struct Rows {
+// One result set, read to its end. Values: NULL as an invalid QVariant, int/smallint/tinyint as int, bigint as
+// qlonglong, bit as bool, float/real/money/decimal as double, text as QString, datetime as QDateTime (local time).
+struct Rows
+{
     QStringList columns;
     QList<QVariantList> rows;
 };
 
-struct Outcome {
-    Rows rows;            // of the last SELECT that returns rows to the caller
+struct Outcome
+{
+    Rows rows; // of the last SELECT that returns rows to the caller
     bool hasRows = false;
-    int affected = -1;    // rows that the last INSERT/UPDATE/DELETE touched
+    int affected = -1;      // rows that the last INSERT/UPDATE/DELETE touched
     qlonglong identity = 0; // SCOPE_IDENTITY() after the batch, 0 when nothing was generated
 };
 
-struct Limits {
+struct Limits
+{
     int busyTimeoutMs = 5000;
     int cachedStatements = 512;
 };
@@ -81,8 +85,8 @@ class CORVEX_API Engine
 public:
     // Creates an empty database file. Throws Error when the file exists or cannot be made.
     static std::unique_ptr<Engine> Create(const QString &file, const Limits &limits = {});
-    // Opens a file that Create made. Throws Error: ForeignFile, NewerFile, Damaged, Locked, or Other when it does not exist.
-    // A file that cannot be written opens for reading; the first write then fails with ReadOnly.
+    // Opens a file that Create made. Throws Error: ForeignFile, NewerFile, Damaged, Locked, or Other when it does not
+    // exist. A file that cannot be written opens for reading; the first write then fails with ReadOnly.
     static std::unique_ptr<Engine> Open(const QString &file, const Limits &limits = {});
     ~Engine();
 
@@ -91,15 +95,15 @@ public:
     // Outside a transaction the batch as a whole is atomic when it is a single statement.
     Outcome Run(const QString &batch, const QVariantMap &parameters = {});
 
-    // Calls a stored procedure. `parameters` (names without '@') go in; on return the OUTPUT ones hold their last values.
-    // Gives the procedure's return value (0 without RETURN).
+    // Calls a stored procedure. `parameters` (names without '@') go in; on return the OUTPUT ones hold their last
+    // values. Gives the procedure's return value (0 without RETURN).
     int Call(const QString &procedure, QVariantMap &parameters);
 
-    // Runs a script: batches separated by lines that hold GO alone. `title` names it in errors. Not one transaction of its own:
-    // the caller decides.
+    // Runs a script: batches separated by lines that hold GO alone. `title` names it in errors. Not one transaction of
+    // its own: the caller decides.
     void RunScript(const QString &script, const QString &title);
 
-    void Begin();    // BEGIN IMMEDIATE; throws when one is open
+    void Begin(); // BEGIN IMMEDIATE; throws when one is open
     void Commit();
     void Rollback(); // does nothing when none is open
     bool InTransaction() const;

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "embedded/Database.h"
+#include "embedded/Lexer.h"
 
 namespace embedded {
 
@@ -97,7 +98,8 @@ QString DateText(const QDateTime &moment)
 {
     const QDate date = moment.date();
     const QTime time = moment.time();
-    QString text = u"%1-%2-%3"_s.arg(date.year(), 4, 10, '0'_L1).arg(date.month(), 2, 10, '0'_L1).arg(date.day(), 2, 10, '0'_L1);
+    QString text =
+        u"%1-%2-%3"_s.arg(date.year(), 4, 10, '0'_L1).arg(date.month(), 2, 10, '0'_L1).arg(date.day(), 2, 10, '0'_L1);
     if (time.msecsSinceStartOfDay() != 0)
         text += time.toString(time.msec() ? u" HH:mm:ss.zzz" : u" HH:mm:ss");
     return text;
@@ -131,8 +133,8 @@ std::optional<QString> DateFromDays(double days)
     const QDate date = QDate(1900, 1, 1).addDays(qint64(whole));
     const qint64 milliseconds = qRound64((days - whole) * 86400000.0);
     const QDateTime moment = milliseconds >= 86400000
-        ? date.addDays(1).startOfDay()
-        : QDateTime(date, QTime::fromMSecsSinceStartOfDay(int(milliseconds)));
+                                 ? date.addDays(1).startOfDay()
+                                 : QDateTime(date, QTime::fromMSecsSinceStartOfDay(int(milliseconds)));
     if (!InRange(moment))
         return {};
     return DateText(moment);
@@ -190,8 +192,8 @@ void Give(sqlite3_context *context, const QVariant &value)
     }
     default: {
         const QByteArray text = value.toString().toUtf8();
-        sqlite3_result_text64(context, text.constData() ? text.constData() : "", sqlite3_uint64(text.size()), SQLITE_TRANSIENT,
-                              SQLITE_UTF8);
+        sqlite3_result_text64(context, text.constData() ? text.constData() : "", sqlite3_uint64(text.size()),
+                              SQLITE_TRANSIENT, SQLITE_UTF8);
     }
     }
 }
@@ -199,8 +201,7 @@ void Give(sqlite3_context *context, const QVariant &value)
 // Every function takes values and gives one; what it throws reaches the caller of the statement.
 using Function = QVariant (*)(Database &, const QVariantList &);
 
-template <Function F>
-void Trampoline(sqlite3_context *context, int count, sqlite3_value **values)
+template <Function F> void Trampoline(sqlite3_context *context, int count, sqlite3_value **values)
 {
     Database &database = *static_cast<Database *>(sqlite3_user_data(context));
     try {
@@ -210,7 +211,7 @@ void Trampoline(sqlite3_context *context, int count, sqlite3_value **values)
             arguments.append(Argument(values[i]));
         Give(context, F(database, arguments));
     } catch (const Error &error) {
-        database.Fail(error);
+        database.Defer(error);
         sqlite3_result_error(context, error.what(), -1);
     } catch (const std::bad_alloc &) {
         sqlite3_result_error_nomem(context);
@@ -228,7 +229,7 @@ QVariant Date(Database &, const QVariantList &arguments)
     else
         return {};
     if (!result)
-        throw Error(Error::Kind::Check, 241, u"Conversion failed when converting date and/or time from character string."_s);
+        Fail(Error::Kind::Check, 241, u"Conversion failed when converting date and/or time from character string."_s);
     return *result;
 }
 
@@ -250,8 +251,8 @@ QVariant Number(Database &, const QVariantList &arguments)
         return arguments[0];
     const std::optional<QVariant> number = NumberFromText(arguments[0].toString());
     if (!number)
-        throw Error(Error::Kind::Check, 245,
-                    u"Conversion failed when converting the varchar value '%1' to a number."_s.arg(arguments[0].toString()));
+        Fail(Error::Kind::Check, 245,
+             u"Conversion failed when converting the varchar value '%1' to a number."_s.arg(arguments[0].toString()));
     return *number;
 }
 
@@ -259,9 +260,9 @@ QVariant WholeNumber(Database &database, const QVariantList &arguments)
 {
     const QVariant number = Number(database, arguments);
     if (number.typeId() == QMetaType::Double && arguments[0].typeId() == QMetaType::QString)
-        throw Error(Error::Kind::Check, 245,
-                    u"Conversion failed when converting the varchar value '%1' to data type int."_s.arg(
-                        arguments[0].toString()));
+        Fail(Error::Kind::Check, 245,
+             u"Conversion failed when converting the varchar value '%1' to data type int."_s.arg(
+                 arguments[0].toString()));
     return number.isValid() ? QVariant(number.toLongLong()) : number;
 }
 
@@ -273,8 +274,7 @@ public:
         : pattern_(pattern)
         , text_(text)
         , escape_(escape)
-    {
-    }
+    {}
 
     bool Matches() const
     {
@@ -357,13 +357,14 @@ QVariant Replace(Database &, const QVariantList &arguments)
             return {};
     }
     const QString from = arguments[1].toString();
-    return from.isEmpty() ? arguments[0] : arguments[0].toString().replace(from, arguments[2].toString(), Qt::CaseInsensitive);
+    return from.isEmpty() ? arguments[0]
+                          : arguments[0].toString().replace(from, arguments[2].toString(), Qt::CaseInsensitive);
 }
 
 QVariant NonZero(Database &, const QVariantList &arguments)
 {
     if (arguments[0].isValid() && arguments[0].toDouble() == 0.0)
-        throw Error(Error::Kind::Other, 8134, u"Divide by zero error encountered."_s);
+        Fail(Error::Kind::Other, 8134, u"Divide by zero error encountered."_s);
     return arguments[0];
 }
 
@@ -371,10 +372,10 @@ QVariant NonZero(Database &, const QVariantList &arguments)
 QVariant Required(Database &, const QVariantList &arguments)
 {
     if (!arguments[0].isValid())
-        throw Error(Error::Kind::NullValue, 515,
-                    u"Cannot insert the value NULL into column '%1', table '%2'; column does not allow nulls."_s.arg(
-                        arguments[1].toString(), arguments[2].toString()),
-                    0, 0, arguments[1].toString());
+        Fail(Error::Kind::NullValue, 515,
+             u"Cannot insert the value NULL into column '%1', table '%2'; column does not allow nulls."_s.arg(
+                 arguments[1].toString(), arguments[2].toString()),
+             {}, arguments[1].toString());
     return arguments[0];
 }
 
@@ -387,18 +388,21 @@ QVariant ObjectId(Database &database, const QVariantList &arguments)
     if (name.startsWith("tempdb.."_L1, Qt::CaseInsensitive))
         name.remove(0, 8);
     const QString type = arguments.value(1).toString().trimmed().toUpper();
-    const QString wanted = type == "U"_L1 ? u"table"_s
-        : type == "V"_L1                  ? u"view"_s
-        : type == "P"_L1                  ? u"procedure"_s
-        : type == "FN"_L1 || type == "IF"_L1 || type == "TF"_L1 ? u"function"_s
-                                                                : QString();
+    const QString wanted = type == "U"_L1                                          ? u"table"_s
+                           : type == "V"_L1                                        ? u"view"_s
+                           : type == "P"_L1                                        ? u"procedure"_s
+                           : type == "FN"_L1 || type == "IF"_L1 || type == "TF"_L1 ? u"function"_s
+                                                                                   : QString();
     return database.Execute(
-        u"SELECT id FROM (SELECT type AS kind, name, rowid AS id FROM main.sqlite_schema WHERE name NOT LIKE 'sqlite!_%' "
-        "ESCAPE '!' AND name <> '_corvex_objects' UNION ALL SELECT type, name, 2000000 + rowid FROM temp.sqlite_schema UNION ALL "
-        "SELECT kind, name, 1000000 + rowid FROM main._corvex_objects WHERE kind IN ('procedure', 'function')) WHERE kind IN "
+        u"SELECT id FROM (SELECT type AS kind, name, rowid AS id FROM main.sqlite_schema WHERE name NOT LIKE "
+        u"'sqlite!_%' "
+        "ESCAPE '!' AND name <> '_corvex_objects' UNION ALL SELECT type, name, 2000000 + rowid FROM temp.sqlite_schema "
+        "UNION ALL "
+        "SELECT kind, name, 1000000 + rowid FROM main._corvex_objects WHERE kind IN ('procedure', 'function')) WHERE "
+        "kind IN "
         "('table', 'view', 'procedure', 'function') AND name = ?1 COLLATE NOCASE AND (?2 IS NULL OR kind = ?2)"_s,
         {name, wanted.isEmpty() && !type.isEmpty() ? QVariant(type)
-             : wanted.isEmpty()                    ? QVariant()
+               : wanted.isEmpty()                  ? QVariant()
                                                    : QVariant(wanted)});
 }
 
@@ -412,24 +416,25 @@ QVariant Call(Database &database, const QVariantList &arguments)
 void RegisterFunctions(Database &database)
 {
     using Entry = void (*)(sqlite3_context *, int, sqlite3_value **);
-    const struct {
+    const struct
+    {
         const char *name;
         int arguments;
         Entry entry;
         bool constant; // the same arguments give the same value: SQLite may call it once
     } functions[] = {
-        {"cx_date", 1, Trampoline<Date>, true},        {"cx_date", 2, Trampoline<Date>, true},
+        {"cx_date", 1, Trampoline<Date>, true},           {"cx_date", 2, Trampoline<Date>, true},
         {"cx_datetext", 1, Trampoline<DateAsText>, true}, {"cx_number", 1, Trampoline<Number>, true},
-        {"cx_int", 1, Trampoline<WholeNumber>, true},  {"cx_like", 2, Trampoline<Like>, true},
-        {"cx_like", 3, Trampoline<Like>, true},        {"cx_replace", 3, Trampoline<Replace>, true},
-        {"cx_nonzero", 1, Trampoline<NonZero>, true},  {"cx_required", 3, Trampoline<Required>, true},
-        {"cx_object", 1, Trampoline<ObjectId>, false}, {"cx_object", 2, Trampoline<ObjectId>, false},
+        {"cx_int", 1, Trampoline<WholeNumber>, true},     {"cx_like", 2, Trampoline<Like>, true},
+        {"cx_like", 3, Trampoline<Like>, true},           {"cx_replace", 3, Trampoline<Replace>, true},
+        {"cx_nonzero", 1, Trampoline<NonZero>, true},     {"cx_required", 3, Trampoline<Required>, true},
+        {"cx_object", 1, Trampoline<ObjectId>, false},    {"cx_object", 2, Trampoline<ObjectId>, false},
         {"cx_call", -1, Trampoline<Call>, false},
     };
     for (const auto &function : functions) {
         sqlite3_create_function_v2(database.Handle(), function.name, function.arguments,
-                                   SQLITE_UTF8 | SQLITE_DIRECTONLY | (function.constant ? SQLITE_DETERMINISTIC : 0), &database,
-                                   function.entry, nullptr, nullptr, nullptr);
+                                   SQLITE_UTF8 | SQLITE_DIRECTONLY | (function.constant ? SQLITE_DETERMINISTIC : 0),
+                                   &database, function.entry, nullptr, nullptr, nullptr);
     }
 }
 

@@ -51,16 +51,18 @@ Variable FromCaller(const QString &name, const QVariant &value)
     case QMetaType::Nullptr:
         return {};
     default:
-        throw Error(Error::Kind::Other, 257,
-                    u"A value of type %1 cannot be given as parameter '%2'."_s.arg(QString::fromLatin1(value.typeName()), name),
-                    0, 0, name);
+        Fail(
+            Error::Kind::Other, 257,
+            u"A value of type %1 cannot be given as parameter '%2'."_s.arg(QString::fromLatin1(value.typeName()), name),
+            {}, name);
     }
 }
 
 } // namespace
 
 // A statement that was translated and prepared for variables of certain types.
-struct Interpreter::Compiled {
+struct Interpreter::Compiled
+{
     StatementHandle handle;
     Translation translation;
     QStringList names; // of its columns
@@ -70,12 +72,14 @@ struct Interpreter::Compiled {
 };
 
 // All of one batch, by the statement or expression that was translated.
-struct CompiledSet {
+struct CompiledSet
+{
     std::unordered_map<const void *, std::vector<std::unique_ptr<Interpreter::Compiled>>> entries;
     std::vector<std::unique_ptr<Interpreter::Compiled>> replaced; // in use further out while they were recompiled
 };
 
-struct Interpreter::Cursor {
+struct Interpreter::Cursor
+{
     const SelectStatement *select = nullptr;
     Selection content;
     qsizetype at = 0;
@@ -83,7 +87,8 @@ struct Interpreter::Cursor {
 };
 
 // What a batch, procedure or function has of its own while it runs.
-struct Interpreter::Frame {
+struct Interpreter::Frame
+{
     Program *program = nullptr;
     QHash<QString, Variable> variables;
     QHash<QString, QString> tables; // table variables: the temporary tables behind them
@@ -92,7 +97,7 @@ struct Interpreter::Frame {
     std::optional<Error> caught;
     QVariant identity; // SCOPE_IDENTITY()
     QVariant returned;
-    Type returns;      // of a function
+    Type returns; // of a function
     Outcome *outcome = nullptr;
     bool function = false;
 };
@@ -132,8 +137,8 @@ Outcome Interpreter::Run(const QString &batch, const QVariantMap &parameters, bo
     for (auto parameter = parameters.constBegin(); parameter != parameters.constEnd(); ++parameter) {
         const QString name = u'@' + parameter.key().toLower();
         if (!program->undeclared.contains(name))
-            throw Error(Error::Kind::Unknown, 8145, u"\"%1\" is not a parameter of the statement."_s.arg(parameter.key()), 0, 0,
-                        parameter.key());
+            Fail(Error::Kind::Unknown, 8145, u"\"%1\" is not a parameter of the statement."_s.arg(parameter.key()), {},
+                 parameter.key());
         frame.variables.insert(name, FromCaller(parameter.key(), parameter.value()));
     }
     if (frame.variables.size() < program->undeclared.size()) {
@@ -171,9 +176,10 @@ int Interpreter::Call(const QString &name, QVariantMap &parameters)
         keys.insert(u'@' + parameter.key().toLower(), parameter.key());
     const std::vector<Parameter> &declared = procedure->definition->parameters;
     for (auto key = keys.constBegin(); key != keys.constEnd(); ++key) {
-        if (std::none_of(declared.cbegin(), declared.cend(), [&key](const Parameter &p) { return p.name == key.key(); }))
-            throw Error(Error::Kind::Unknown, 8145, u"@%1 is not a parameter for procedure %2."_s.arg(key.value(), name), 0, 0,
-                        key.value());
+        if (std::none_of(declared.cbegin(), declared.cend(),
+                         [&key](const Parameter &p) { return p.name == key.key(); }))
+            Fail(Error::Kind::Unknown, 8145, u"@%1 is not a parameter for procedure %2."_s.arg(key.value(), name), {},
+                 key.value());
     }
     const int transactions = transactions_;
     int returned = 0;
@@ -185,9 +191,10 @@ int Interpreter::Call(const QString &name, QVariantMap &parameters)
             else if (parameter.defaultValue)
                 variable.value = Evaluate(frame, *parameter.defaultValue, parameter.type);
             else if (!parameter.output)
-                throw Error(Error::Kind::Unknown, 201,
-                            u"Procedure or function '%1' expects parameter '@%2', which was not supplied."_s.arg(name, parameter.label),
-                            0, 0, parameter.label);
+                Fail(Error::Kind::Unknown, 201,
+                     u"Procedure or function '%1' expects parameter '@%2', which was not supplied."_s.arg(
+                         name, parameter.label),
+                     {}, parameter.label);
             frame.variables.insert(parameter.name, variable);
         }
         returned = RunProcedure(frame, *procedure);
@@ -215,7 +222,8 @@ QString Interpreter::Translate(const QString &batch)
     const Statement &statement = *program->statements.front();
     if (statement.kind == Statement::Kind::Select) {
         const auto &select = static_cast<const SelectStatement &>(statement);
-        return Compile(frame, &statement, [&](Translator &translator) { return translator.Select(select); }).translation.sql;
+        return Compile(frame, &statement, [&](Translator &translator) { return translator.Select(select); })
+            .translation.sql;
     }
     if (!IsChange(statement))
         Refuse(u"The translation of this statement"_s, statement.place);
@@ -233,7 +241,7 @@ void Interpreter::ClearTranslations()
 void Interpreter::Begin()
 {
     if (database_.InTransaction())
-        throw Error(Error::Kind::Other, 3988, u"A new transaction is not allowed because there is one open already."_s);
+        Fail(Error::Kind::Other, 3988, u"A new transaction is not allowed because there is one open already."_s);
     database_.Execute(u"BEGIN IMMEDIATE"_s);
     transactions_ = 1;
     definedInTransaction_ = false;
@@ -242,7 +250,7 @@ void Interpreter::Begin()
 void Interpreter::Commit()
 {
     if (!database_.InTransaction())
-        throw Error(Error::Kind::Other, 3902, u"The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."_s);
+        Fail(Error::Kind::Other, 3902, u"The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."_s);
     try {
         database_.Execute(u"COMMIT"_s);
     } catch (const Error &) { // the transaction is still open, or SQLite has rolled it back
@@ -297,7 +305,8 @@ void Interpreter::RunTransaction(const TransactionStatement &statement)
         break;
     case TransactionStatement::Action::Rollback:
         if (transactions_ == 0)
-            throw Error(Error::Kind::Other, 3903, u"The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."_s);
+            Fail(Error::Kind::Other, 3903,
+                 u"The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION."_s);
         Rollback();
         break;
     }
@@ -371,16 +380,17 @@ Interpreter::Compiled &Interpreter::Compile(Frame &frame, const void *node,
         QByteArray signature;
         for (const QString &name : names) {
             const Variable *variable = Lookup(frame, name);
-            const bool classes = variable && variable->value.typeId() == QMetaType::QString
-                && variable->value.toString().contains(u'[');
+            const bool classes =
+                variable && variable->value.typeId() == QMetaType::QString && variable->value.toString().contains(u'[');
             signature += char((variable ? int(variable->type.kind) : 31) + (classes ? 64 : 32));
         }
         return signature;
     };
     for (size_t i = 0; i < variants.size(); ++i) {
         Compiled &known = *variants[i];
-        const bool stale = known.generation != catalogue_.Generation()
-            || (known.translation.temporary && known.temporaryGeneration != catalogue_.TemporaryGeneration());
+        const bool stale =
+            known.generation != catalogue_.Generation() ||
+            (known.translation.temporary && known.temporaryGeneration != catalogue_.TemporaryGeneration());
         if (stale || sqlite3_stmt_busy(known.handle.get())) {
             if (!stale)
                 set.replaced.push_back(std::move(variants[i])); // a function that calls itself
@@ -423,8 +433,7 @@ class Running
 public:
     explicit Running(sqlite3_stmt *statement)
         : statement_(statement)
-    {
-    }
+    {}
     ~Running()
     {
         sqlite3_reset(statement_);
@@ -441,7 +450,8 @@ private:
 
 QVariant Interpreter::Evaluate(Frame &frame, const Expr &expr, const Type &target)
 {
-    const Compiled &compiled = Compile(frame, &expr, [&](Translator &translator) { return translator.Value(expr, target); });
+    const Compiled &compiled =
+        Compile(frame, &expr, [&](Translator &translator) { return translator.Value(expr, target); });
     const Running running(compiled.handle.get());
     Bind(frame, compiled);
     if (!database_.Step(compiled.handle.get()))
@@ -454,7 +464,8 @@ QVariant Interpreter::Evaluate(Frame &frame, const Expr &expr, const Type &targe
 
 bool Interpreter::Holds(Frame &frame, const Expr &expr)
 {
-    const Compiled &compiled = Compile(frame, &expr, [&](Translator &translator) { return translator.Condition(expr); });
+    const Compiled &compiled =
+        Compile(frame, &expr, [&](Translator &translator) { return translator.Condition(expr); });
     const Running running(compiled.handle.get());
     Bind(frame, compiled);
     return database_.Step(compiled.handle.get()) && sqlite3_column_int64(compiled.handle.get(), 0) != 0;
@@ -532,7 +543,8 @@ Interpreter::Flow Interpreter::RunStatement(Frame &frame, const Statement &state
         const auto &set = static_cast<const SetStatement &>(statement);
         const auto variable = frame.variables.constFind(set.variable);
         if (variable == frame.variables.constEnd())
-            Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(set.variable), statement.place, set.variable);
+            Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(set.variable), statement.place,
+                    set.variable);
         const QVariant value = Evaluate(frame, *set.value, variable->type);
         frame.variables[set.variable].value = value;
         break;
@@ -653,7 +665,8 @@ Interpreter::Selection Interpreter::ReadAll(Frame &frame, const SelectStatement 
         QVariantList row;
         row.reserve(count);
         for (int i = 0; i < count; ++i)
-            row.append(forCaller ? ToCaller(Database::Value(handle, i), columns.at(i).type) : Database::Value(handle, i));
+            row.append(forCaller ? ToCaller(Database::Value(handle, i), columns.at(i).type)
+                                 : Database::Value(handle, i));
         result.rows.append(std::move(row));
     }
     return result;
@@ -667,7 +680,8 @@ void Interpreter::RunSelect(Frame &frame, const SelectStatement &statement)
         for (const SelectItem &item : core.items) {
             const auto variable = frame.variables.constFind(item.assignedTo);
             if (variable == frame.variables.constEnd())
-                Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(item.assignedTo), item.place, item.assignedTo);
+                Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(item.assignedTo), item.place,
+                        item.assignedTo);
             const QVariant value = Evaluate(frame, *item.expr, variable->type);
             frame.variables[item.assignedTo].value = value;
         }
@@ -687,16 +701,18 @@ void Interpreter::RunSelect(Frame &frame, const SelectStatement &statement)
 
 bool Interpreter::IsChange(const Statement &statement)
 {
-    return statement.kind == Statement::Kind::Insert || statement.kind == Statement::Kind::Update
-        || statement.kind == Statement::Kind::Delete;
+    return statement.kind == Statement::Kind::Insert || statement.kind == Statement::Kind::Update ||
+           statement.kind == Statement::Kind::Delete;
 }
 
 Interpreter::Compiled &Interpreter::CompileChange(Frame &frame, const Statement &statement)
 {
     return Compile(frame, &statement, [&](Translator &translator) {
-        return statement.kind == Statement::Kind::Insert ? translator.Insert(static_cast<const InsertStatement &>(statement))
-            : statement.kind == Statement::Kind::Update  ? translator.Update(static_cast<const UpdateStatement &>(statement))
-                                                         : translator.Delete(static_cast<const DeleteStatement &>(statement));
+        return statement.kind == Statement::Kind::Insert
+                   ? translator.Insert(static_cast<const InsertStatement &>(statement))
+               : statement.kind == Statement::Kind::Update
+                   ? translator.Update(static_cast<const UpdateStatement &>(statement))
+                   : translator.Delete(static_cast<const DeleteStatement &>(statement));
     });
 }
 
@@ -707,15 +723,16 @@ void Interpreter::RunChange(Frame &frame, const Statement &statement)
     if (!translation.identityTable.isEmpty()) {
         const bool allowed = identityInsert_.compare(translation.identityTable, Qt::CaseInsensitive) == 0;
         if (translation.identityGiven && !allowed)
-            throw Error(Error::Kind::Check, 544,
-                        u"Cannot insert explicit value for identity column in table '%1' when IDENTITY_INSERT is set to OFF."_s.arg(
-                            translation.identityTable),
-                        statement.place.line, statement.place.column, translation.identityTable);
+            Fail(Error::Kind::Check, 544,
+                 u"Cannot insert explicit value for identity column in table '%1' when IDENTITY_INSERT is set to OFF."_s
+                     .arg(translation.identityTable),
+                 statement.place, translation.identityTable);
         if (!translation.identityGiven && allowed)
-            throw Error(Error::Kind::Check, 545,
-                        u"Explicit value must be specified for identity column in table '%1' when IDENTITY_INSERT is set to ON."_s
-                            .arg(translation.identityTable),
-                        statement.place.line, statement.place.column, translation.identityTable);
+            Fail(
+                Error::Kind::Check, 545,
+                u"Explicit value must be specified for identity column in table '%1' when IDENTITY_INSERT is set to ON."_s
+                    .arg(translation.identityTable),
+                statement.place, translation.identityTable);
     }
     {
         const Running running(compiled.handle.get());
@@ -753,7 +770,8 @@ void Interpreter::RunExec(Frame &frame, const ExecStatement &statement)
 {
     const std::shared_ptr<const ProcedureRoutine> procedure = catalogue_.FindProcedure(statement.procedure);
     if (!procedure)
-        Unknown(2812, u"Could not find stored procedure '%1'."_s.arg(statement.procedure), statement.place, statement.procedure);
+        Unknown(2812, u"Could not find stored procedure '%1'."_s.arg(statement.procedure), statement.place,
+                statement.procedure);
     const std::vector<Parameter> &declared = procedure->definition->parameters;
     Frame inner;
     inner.program = procedure->program.get();
@@ -762,9 +780,9 @@ void Interpreter::RunExec(Frame &frame, const ExecStatement &statement)
     for (size_t i = 0; i < statement.arguments.size(); ++i) {
         const ExecStatement::Argument &argument = statement.arguments[i];
         if (argument.name.isEmpty() && i >= declared.size())
-            throw Error(Error::Kind::Syntax, 8144,
-                        u"Procedure or function %1 has too many arguments specified."_s.arg(statement.procedure),
-                        statement.place.line, statement.place.column, statement.procedure);
+            Fail(Error::Kind::Syntax, 8144,
+                 u"Procedure or function %1 has too many arguments specified."_s.arg(statement.procedure),
+                 statement.place, statement.procedure);
         given.insert(argument.name.isEmpty() ? declared[i].name : argument.name, &argument);
     }
     for (const Parameter &parameter : declared) {
@@ -775,25 +793,26 @@ void Interpreter::RunExec(Frame &frame, const ExecStatement &statement)
         else if (parameter.defaultValue)
             variable.value = Evaluate(inner, *parameter.defaultValue, parameter.type);
         else
-            throw Error(Error::Kind::Unknown, 201,
-                        u"Procedure or function '%1' expects parameter '@%2', which was not supplied."_s.arg(statement.procedure,
-                                                                                                       parameter.label),
-                        statement.place.line, statement.place.column, parameter.label);
+            Fail(Error::Kind::Unknown, 201,
+                 u"Procedure or function '%1' expects parameter '@%2', which was not supplied."_s.arg(
+                     statement.procedure, parameter.label),
+                 statement.place, parameter.label);
         if (argument && argument->output && !parameter.output)
-            throw Error(Error::Kind::Syntax, 8162,
-                        u"The formal parameter \"@%1\" was not declared as an OUTPUT parameter."_s.arg(parameter.label),
-                        statement.place.line, statement.place.column, parameter.label);
+            Fail(Error::Kind::Syntax, 8162,
+                 u"The formal parameter \"@%1\" was not declared as an OUTPUT parameter."_s.arg(parameter.label),
+                 statement.place, parameter.label);
         inner.variables.insert(parameter.name, variable);
     }
     if (!given.isEmpty())
-        throw Error(Error::Kind::Unknown, 8145,
-                    u"%1 is not a parameter for procedure %2."_s.arg(given.constBegin().key(), statement.procedure),
-                    statement.place.line, statement.place.column, given.constBegin().key());
+        Fail(Error::Kind::Unknown, 8145,
+             u"%1 is not a parameter for procedure %2."_s.arg(given.constBegin().key(), statement.procedure),
+             statement.place, given.constBegin().key());
     const int returned = RunProcedure(inner, *procedure);
     for (size_t i = 0; i < statement.arguments.size(); ++i) {
         const ExecStatement::Argument &argument = statement.arguments[i];
         if (argument.output)
-            Assign(frame, argument.value->text, inner.variables[argument.name.isEmpty() ? declared[i].name : argument.name]);
+            Assign(frame, argument.value->text,
+                   inner.variables[argument.name.isEmpty() ? declared[i].name : argument.name]);
     }
     if (!statement.result.isEmpty())
         Assign(frame, statement.result, {Type::Kind::Int, qlonglong(returned)});
@@ -803,8 +822,9 @@ int Interpreter::RunProcedure(Frame &frame, const ProcedureRoutine &procedure)
 {
     const std::shared_ptr<Program> keep = procedure.program; // it may be dropped while it runs
     if (depth_ >= kMaxCalls)
-        throw Error(Error::Kind::Other, 217,
-                    u"Maximum stored procedure, function, trigger, or view nesting level exceeded (limit %1)."_s.arg(kMaxCalls));
+        Fail(Error::Kind::Other, 217,
+             u"Maximum stored procedure, function, trigger, or view nesting level exceeded (limit %1)."_s.arg(
+                 kMaxCalls));
     ++depth_;
     try {
         RunList(frame, procedure.definition->body);
@@ -825,8 +845,9 @@ QVariant Interpreter::CallFunction(const QString &name, const QVariantList &argu
         Unknown(4121, u"Cannot find the user-defined function or aggregate \"dbo.%1\"."_s.arg(name), {}, name);
     const FunctionRoutine function = *found;
     if (depth_ >= kMaxCalls)
-        throw Error(Error::Kind::Other, 217,
-                    u"Maximum stored procedure, function, trigger, or view nesting level exceeded (limit %1)."_s.arg(kMaxCalls));
+        Fail(Error::Kind::Other, 217,
+             u"Maximum stored procedure, function, trigger, or view nesting level exceeded (limit %1)."_s.arg(
+                 kMaxCalls));
     Frame frame;
     frame.program = function.program.get();
     frame.function = true;
@@ -873,8 +894,8 @@ void Interpreter::RunRaisError(Frame &frame, const RaisErrorStatement &statement
     if (values[1].toInt() <= 10)
         return; // information, to which nobody listens
     if (values[0].typeId() != QMetaType::QString)
-        throw Error(Error::Kind::Raised, values[0].toInt(), u"Error %1 was raised."_s.arg(values[0].toString()),
-                    statement.place.line, statement.place.column);
+        Fail(Error::Kind::Raised, values[0].toInt(), u"Error %1 was raised."_s.arg(values[0].toString()),
+             statement.place);
     const QString pattern = values[0].toString();
     QString message;
     qsizetype next = 3;
@@ -891,21 +912,21 @@ void Interpreter::RunRaisError(Frame &frame, const RaisErrorStatement &statement
         else
             message += u'%', message += form;
     }
-    throw Error(Error::Kind::Raised, 50000, message, statement.place.line, statement.place.column);
+    Fail(Error::Kind::Raised, 50000, message, statement.place);
 }
 
 void Interpreter::RunThrow(Frame &frame, const ThrowStatement &statement)
 {
     if (statement.arguments.empty()) {
         if (!frame.caught)
-            throw Error(Error::Kind::Syntax, 10704, u"To rethrow an error, a THROW statement must be used inside a CATCH block."_s,
-                        statement.place.line, statement.place.column);
+            Fail(Error::Kind::Syntax, 10704,
+                 u"To rethrow an error, a THROW statement must be used inside a CATCH block."_s, statement.place);
         const Error again = *frame.caught;
         throw again;
     }
     const int number = Evaluate(frame, *statement.arguments[0], Type::Kind::Int).toInt();
     const QString message = Evaluate(frame, *statement.arguments[1], Type::Kind::Text).toString();
-    throw Error(Error::Kind::Raised, number, message, statement.place.line, statement.place.column);
+    Fail(Error::Kind::Raised, number, message, statement.place);
 }
 
 Interpreter::Flow Interpreter::RunTry(Frame &frame, const TryStatement &statement)
@@ -934,14 +955,15 @@ void Interpreter::RunCursor(Frame &frame, const CursorStatement &statement)
     const QString name = statement.name.toLower();
     if (statement.action == Action::Declare) {
         if (frame.cursors.contains(name))
-            throw Error(Error::Kind::Other, 16915, u"A cursor with the name '%1' already exists."_s.arg(statement.name),
-                        statement.place.line, statement.place.column, statement.name);
+            Fail(Error::Kind::Other, 16915, u"A cursor with the name '%1' already exists."_s.arg(statement.name),
+                 statement.place, statement.name);
         frame.cursors[name].select = statement.select.get();
         return;
     }
     const auto cursor = frame.cursors.find(name);
     if (cursor == frame.cursors.end())
-        Unknown(16916, u"A cursor with the name '%1' does not exist."_s.arg(statement.name), statement.place, statement.name);
+        Unknown(16916, u"A cursor with the name '%1' does not exist."_s.arg(statement.name), statement.place,
+                statement.name);
     if (statement.action == Action::Deallocate) {
         frame.cursors.erase(cursor);
         return;
@@ -953,17 +975,17 @@ void Interpreter::RunCursor(Frame &frame, const CursorStatement &statement)
         return;
     }
     if (!cursor->open)
-        throw Error(Error::Kind::Other, 16917, u"Cursor '%1' is not open."_s.arg(statement.name), statement.place.line,
-                    statement.place.column, statement.name);
+        Fail(Error::Kind::Other, 16917, u"Cursor '%1' is not open."_s.arg(statement.name), statement.place,
+             statement.name);
     if (statement.action == Action::Close) {
         cursor->open = false;
         cursor->content.rows.clear();
         return;
     }
     if (statement.into.size() != cursor->content.columns.size())
-        throw Error(Error::Kind::Syntax, 16924,
-                    u"The number of variables declared in the INTO list must match that of selected columns."_s,
-                    statement.place.line, statement.place.column, statement.name);
+        Fail(Error::Kind::Syntax, 16924,
+             u"The number of variables declared in the INTO list must match that of selected columns."_s,
+             statement.place, statement.name);
     if (cursor->at >= cursor->content.rows.size()) {
         fetchStatus_ = -1;
         return;
@@ -978,11 +1000,12 @@ void Interpreter::RunCursor(Frame &frame, const CursorStatement &statement)
 
 void Interpreter::NeedNew(const QString &name, Place place)
 {
-    if (name.startsWith("sqlite_"_L1, Qt::CaseInsensitive) || name.compare("_corvex_objects"_L1, Qt::CaseInsensitive) == 0)
+    if (name.startsWith("sqlite_"_L1, Qt::CaseInsensitive) ||
+        name.compare("_corvex_objects"_L1, Qt::CaseInsensitive) == 0)
         Refuse(name, place);
     if (catalogue_.Exists(name))
-        throw Error(Error::Kind::Other, 2714, u"There is already an object named '%1' in the database."_s.arg(name), place.line,
-                    place.column, name);
+        Fail(Error::Kind::Other, 2714, u"There is already an object named '%1' in the database."_s.arg(name), place,
+             name);
 }
 
 void Interpreter::RunDefinition(Frame &frame, const Statement &statement)
@@ -1033,8 +1056,8 @@ void Interpreter::CreateTable(Frame &frame, const CreateTableStatement &statemen
 {
     if (temporary) {
         if (catalogue_.FindTable(name))
-            throw Error(Error::Kind::Other, 2714, u"There is already an object named '%1' in the database."_s.arg(name),
-                        statement.place.line, statement.place.column, name);
+            Fail(Error::Kind::Other, 2714, u"There is already an object named '%1' in the database."_s.arg(name),
+                 statement.place, name);
         const Definition definition = TranslateTable(catalogue_, statement, name, true);
         database_.Execute(definition.statements.first());
         catalogue_.TemporaryChanged();
@@ -1060,8 +1083,10 @@ void Interpreter::AlterTable(const AlterTableStatement &statement)
 {
     const Table *table = catalogue_.FindTable(statement.table);
     if (!table || table->view || statement.table.startsWith(u'#'))
-        Unknown(4902, u"Cannot find the object \"%1\" because it does not exist or you do not have permissions."_s.arg(
-                          statement.table), statement.place, statement.table);
+        Unknown(4902,
+                u"Cannot find the object \"%1\" because it does not exist or you do not have permissions."_s.arg(
+                    statement.table),
+                statement.place, statement.table);
     const QString name = table->name;
     Atomically([&] {
         const Definition definition = TranslateColumns(catalogue_, statement, *table);
@@ -1081,9 +1106,10 @@ void Interpreter::AddConstraint(const TableConstraint &constraint, const QString
     const Table &table = *catalogue_.FindTable(tableName);
     const QString text = TranslateConstraint(catalogue_, constraint, table);
     const bool empty = !database_.Execute(u"SELECT 1 FROM %1 LIMIT 1"_s.arg(QuoteName(tableName))).isValid();
-    QString sql = database_.Execute(u"SELECT sql FROM main.sqlite_schema WHERE type = 'table' AND name = ?1"_s, {tableName})
-                      .toString()
-                      .trimmed();
+    QString sql =
+        database_.Execute(u"SELECT sql FROM main.sqlite_schema WHERE type = 'table' AND name = ?1"_s, {tableName})
+            .toString()
+            .trimmed();
     if (empty && sql.endsWith(u')')) {
         sql.chop(1);
         sql = sql.trimmed() + ",\n  "_L1 + text + "\n)"_L1;
@@ -1104,7 +1130,7 @@ void Interpreter::AddConstraint(const TableConstraint &constraint, const QString
         for (const QString &column : constraint.columns)
             columns.append(QuoteName(column));
         database_.Execute(u"CREATE UNIQUE INDEX %1 ON %2 (%3)"_s.arg(QuoteName(constraint.name), QuoteName(tableName),
-                                                                    columns.join(", "_L1)));
+                                                                     columns.join(", "_L1)));
     } else {
         Refuse(u"A new constraint on a table that holds rows"_s, place);
     }
@@ -1115,14 +1141,17 @@ void Interpreter::CreateIndex(const CreateIndexStatement &statement)
 {
     const Table *table = catalogue_.FindTable(statement.table);
     if (!table || table->view)
-        Unknown(1088, u"Cannot find the object \"%1\" because it does not exist or you do not have permissions."_s.arg(
-                          statement.table), statement.place, statement.table);
+        Unknown(1088,
+                u"Cannot find the object \"%1\" because it does not exist or you do not have permissions."_s.arg(
+                    statement.table),
+                statement.place, statement.table);
     const bool temporary = statement.table.startsWith(u'#');
     QStringList columns;
     for (const auto &[name, descending] : statement.columns) {
         const Column *column = table->Find(name);
         if (!column)
-            Unknown(1911, u"Column name '%1' does not exist in the target table or view."_s.arg(name), statement.place, name);
+            Unknown(1911, u"Column name '%1' does not exist in the target table or view."_s.arg(name), statement.place,
+                    name);
         columns.append(QuoteName(column->name) + (descending ? " DESC"_L1 : ""_L1));
     }
     // An index's name belongs to its table on the server, to the whole file in SQLite.
@@ -1134,12 +1163,13 @@ void Interpreter::CreateIndex(const CreateIndexStatement &statement)
     if (name.startsWith("sqlite_"_L1, Qt::CaseInsensitive))
         Refuse(name, statement.place);
     if (database_.Execute(count, {name}).toInt() > 0)
-        throw Error(Error::Kind::Other, 1913,
-                    u"The operation failed because an index with name '%1' already exists on table '%2'."_s.arg(statement.name,
-                                                                                                           table->name),
-                    statement.place.line, statement.place.column, statement.name);
-    const QString sql = u"CREATE %1INDEX %2.%3 ON %4 (%5)"_s.arg(statement.unique ? u"UNIQUE "_s : QString(), schema, QuoteName(name),
-                                                           QuoteName(table->name), columns.join(", "_L1));
+        Fail(Error::Kind::Other, 1913,
+             u"The operation failed because an index with name '%1' already exists on table '%2'."_s.arg(statement.name,
+                                                                                                         table->name),
+             statement.place, statement.name);
+    const QString sql =
+        u"CREATE %1INDEX %2.%3 ON %4 (%5)"_s.arg(statement.unique ? u"UNIQUE "_s : QString(), schema, QuoteName(name),
+                                                 QuoteName(table->name), columns.join(", "_L1));
     if (temporary) // no plan depends on it
         database_.Execute(sql);
     else
@@ -1159,8 +1189,9 @@ void CheckFunctionBody(const StatementList &body)
             break;
         case Statement::Kind::Select:
             if (!static_cast<const SelectStatement &>(*statement).assigns)
-                throw Error(Error::Kind::Syntax, 444, u"Select statements included within a function cannot return data to a client."_s,
-                            statement->place.line, statement->place.column, u"SELECT"_s);
+                Fail(Error::Kind::Syntax, 444,
+                     u"Select statements included within a function cannot return data to a client."_s,
+                     statement->place, u"SELECT"_s);
             break;
         case Statement::Kind::Return:
             if (!static_cast<const ReturnStatement &>(*statement).value)
@@ -1183,11 +1214,11 @@ void CheckFunctionBody(const StatementList &body)
         case Statement::Kind::Continue:
             break;
         default:
-            throw Error(Error::Kind::Refused, 443,
-                        u"Only DECLARE, SET, SELECT, IF, WHILE and RETURN may stand in a function (line %1, column %2)."_s
-                            .arg(statement->place.line)
-                            .arg(statement->place.column),
-                        statement->place.line, statement->place.column);
+            Fail(Error::Kind::Refused, 443,
+                 u"Only DECLARE, SET, SELECT, IF, WHILE and RETURN may stand in a function (line %1, column %2)."_s
+                     .arg(statement->place.line)
+                     .arg(statement->place.column),
+                 statement->place);
         }
     }
 }
@@ -1206,8 +1237,8 @@ void Interpreter::CreateRoutine(const QString &kind, const QString &name, const 
         if (!function.query) {
             CheckFunctionBody(function.body);
             if (function.body.empty() || function.body.back()->kind != Statement::Kind::Return)
-                throw Error(Error::Kind::Syntax, 455, u"The last statement included within a function must be a return statement."_s,
-                            0, 0, name);
+                Fail(Error::Kind::Syntax, 455,
+                     u"The last statement included within a function must be a return statement."_s, {}, name);
         }
     }
     Atomically([&] {
@@ -1230,8 +1261,10 @@ void Interpreter::Drop(Frame &frame, const DropStatement &statement)
     for (const QString &name : statement.names) {
         const auto missing = [&, &theWord = word] {
             if (!statement.ifExists)
-                Unknown(3701, u"Cannot drop the %1 '%2', because it does not exist or you do not have permission."_s.arg(
-                                  theWord.toLower(), name), statement.place, name);
+                Unknown(3701,
+                        u"Cannot drop the %1 '%2', because it does not exist or you do not have permission."_s.arg(
+                            theWord.toLower(), name),
+                        statement.place, name);
         };
         if (statement.object == Object::Procedure || statement.object == Object::Function) {
             const bool exists = statement.object == Object::Procedure ? catalogue_.FindProcedure(name) != nullptr
@@ -1243,7 +1276,8 @@ void Interpreter::Drop(Frame &frame, const DropStatement &statement)
             continue;
         }
         const Table *table = catalogue_.FindTable(statement.object == Object::Index ? statement.table : name);
-        if (!table || (statement.object == Object::View && !table->view) || (statement.object == Object::Table && table->view)) {
+        if (!table || (statement.object == Object::View && !table->view) ||
+            (statement.object == Object::Table && table->view)) {
             missing();
             continue;
         }
@@ -1253,8 +1287,10 @@ void Interpreter::Drop(Frame &frame, const DropStatement &statement)
             for (const QString &candidate : {name, tableName + u'.' + name}) {
                 if (index.isEmpty())
                     index = database_
-                                .Execute(u"SELECT name FROM main.sqlite_schema WHERE type = 'index' AND name = ?1 COLLATE NOCASE "
-                                         "AND tbl_name = ?2"_s, {candidate, tableName})
+                                .Execute(u"SELECT name FROM main.sqlite_schema WHERE type = 'index' AND name = ?1 "
+                                         u"COLLATE NOCASE "
+                                         "AND tbl_name = ?2"_s,
+                                         {candidate, tableName})
                                 .toString();
             }
             if (index.isEmpty())
@@ -1270,8 +1306,9 @@ void Interpreter::Drop(Frame &frame, const DropStatement &statement)
             Atomically([&, &theWord = word, &theKind = kind] {
                 database_.Execute(u"DROP %1 %2"_s.arg(theWord, QuoteName(tableName)));
                 catalogue_.Forget(theKind, tableName);
-                database_.Execute(u"DELETE FROM main._corvex_objects WHERE kind = 'type' AND substr(name, 1, ?2) = ?1 || '.'"_s,
-                                  {tableName, qlonglong(tableName.size() + 1)});
+                database_.Execute(
+                    u"DELETE FROM main._corvex_objects WHERE kind = 'type' AND substr(name, 1, ?2) = ?1 || '.'"_s,
+                    {tableName, qlonglong(tableName.size() + 1)});
             });
         }
     }

@@ -32,7 +32,8 @@ private:
     struct Cursor;
     struct Frame;
     struct Compiled;
-    struct Selection {
+    struct Selection
+    {
         QList<Column> columns;
         QStringList names;
         QList<QVariantList> rows;
@@ -85,7 +86,7 @@ private:
     Database &database_;
     Catalogue catalogue_;
     QCache<QString, std::shared_ptr<Program>> programs_;
-    int transactions_ = 0;           // @@TRANCOUNT
+    int transactions_ = 0; // @@TRANCOUNT
     bool definedInTransaction_ = false;
     int depth_ = 0;
     int rowCount_ = 0;

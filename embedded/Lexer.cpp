@@ -13,8 +13,7 @@ Error::Error(Kind errorKind, int errorNumber, QString message, int errorLine, in
     , token(std::move(errorToken))
     , statement(std::move(sql))
     , utf8_(text.toUtf8())
-{
-}
+{}
 
 void Refuse(const QString &what, Place place)
 {
@@ -28,17 +27,20 @@ void Refuse(const QString &what, Place place)
 
 void SyntaxError(const QString &near, Place place)
 {
-    throw Error(Error::Kind::Syntax, 102,
-                QStringLiteral("Incorrect syntax near '%1' (line %2, column %3).")
-                    .arg(near)
-                    .arg(place.line)
-                    .arg(place.column),
-                place.line, place.column, near);
+    throw Error(
+        Error::Kind::Syntax, 102,
+        QStringLiteral("Incorrect syntax near '%1' (line %2, column %3).").arg(near).arg(place.line).arg(place.column),
+        place.line, place.column, near);
+}
+
+void Fail(Error::Kind kind, int number, const QString &text, Place place, const QString &token)
+{
+    throw Error(kind, number, text, place.line, place.column, token);
 }
 
 void Unknown(int number, const QString &text, Place place, const QString &token)
 {
-    throw Error(Error::Kind::Unknown, number, text, place.line, place.column, token);
+    Fail(Error::Kind::Unknown, number, text, place, token);
 }
 
 namespace {
@@ -48,8 +50,7 @@ class Lexer
 public:
     explicit Lexer(const QString &text)
         : text_(text)
-    {
-    }
+    {}
 
     QList<Token> Run()
     {
@@ -158,7 +159,9 @@ private:
         Take();
         for (;;) {
             if (AtEnd())
-                SyntaxError(close == u'\'' ? QStringLiteral("'") : close == u']' ? QStringLiteral("[") : QStringLiteral("\""),
+                SyntaxError(close == u'\''  ? QStringLiteral("'")
+                            : close == u']' ? QStringLiteral("[")
+                                            : QStringLiteral("\""),
                             start);
             const QChar c = Take();
             if (c.isNull())
@@ -211,8 +214,8 @@ private:
 
     void Symbol(Token &token)
     {
-        static const QLatin1StringView pairs[] = {QLatin1StringView("<>"), QLatin1StringView("!="), QLatin1StringView("<="),
-                                              QLatin1StringView(">=")};
+        static const QLatin1StringView pairs[] = {QLatin1StringView("<>"), QLatin1StringView("!="),
+                                                  QLatin1StringView("<="), QLatin1StringView(">=")};
         static const QLatin1StringView foreign[] = {
             QLatin1StringView("||"), QLatin1StringView("->"), QLatin1StringView("<<"), QLatin1StringView(">>"),
             QLatin1StringView("=="), QLatin1StringView("!<"), QLatin1StringView("!>"), QLatin1StringView("+="),
@@ -237,7 +240,8 @@ private:
         }
         if (QStringLiteral("?{}^$`").contains(c))
             Refuse(c, token.place);
-        SyntaxError(c.isPrint() ? QString(c) : QStringLiteral("U+%1").arg(c.unicode(), 4, 16, QLatin1Char('0')), token.place);
+        SyntaxError(c.isPrint() ? QString(c) : QStringLiteral("U+%1").arg(c.unicode(), 4, 16, QLatin1Char('0')),
+                    token.place);
     }
 
     const QString &text_;

@@ -9,12 +9,14 @@
 namespace embedded {
 
 // Where a token stands within its text, both counted from 1.
-struct Place {
+struct Place
+{
     int line = 0;
     int column = 0;
 };
 
-struct Token {
+struct Token
+{
     enum class Kind { End, Word, Quoted, String, Integer, Decimal, Variable, Symbol };
 
     Kind kind = Kind::End;
@@ -37,6 +39,8 @@ QList<Token> Lex(const QString &text);
 [[noreturn]] void Refuse(const QString &what, Place place);
 // "Incorrect syntax near 'x' (line l, column c)."
 [[noreturn]] void SyntaxError(const QString &near, Place place);
+// Any other error, with a place when it has one.
+[[noreturn]] void Fail(Error::Kind kind, int number, const QString &text, Place place = {}, const QString &token = {});
 // Kind::Unknown with the text as it stands.
 [[noreturn]] void Unknown(int number, const QString &text, Place place, const QString &token);
 

@@ -18,44 +18,52 @@ constexpr int kMaxUnionArms = 200; // SQLite stops at 500
 const QSet<QString> &Reserved()
 {
     static const QSet<QString> words = {
-        u"select"_s, u"from"_s, u"where"_s, u"group"_s, u"order"_s, u"having"_s, u"union"_s, u"on"_s, u"inner"_s, u"left"_s,
-        u"right"_s, u"full"_s, u"cross"_s, u"outer"_s, u"join"_s, u"as"_s, u"and"_s, u"or"_s, u"not"_s, u"in"_s, u"like"_s,
-        u"between"_s, u"is"_s, u"null"_s, u"exists"_s, u"case"_s, u"when"_s, u"then"_s, u"else"_s, u"end"_s, u"insert"_s,
-        u"into"_s, u"values"_s, u"update"_s, u"set"_s, u"delete"_s, u"create"_s, u"alter"_s, u"drop"_s, u"table"_s, u"view"_s,
-        u"procedure"_s, u"proc"_s, u"function"_s, u"index"_s, u"begin"_s, u"commit"_s, u"rollback"_s, u"tran"_s,
-        u"transaction"_s, u"declare"_s, u"if"_s, u"while"_s, u"break"_s, u"continue"_s, u"return"_s, u"exec"_s, u"execute"_s,
-        u"raiserror"_s, u"print"_s, u"open"_s, u"fetch"_s, u"close"_s, u"deallocate"_s, u"cursor"_s, u"merge"_s, u"pivot"_s,
-        u"unpivot"_s, u"with"_s, u"top"_s, u"distinct"_s, u"all"_s, u"any"_s, u"some"_s, u"by"_s, u"asc"_s, u"desc"_s,
-        u"percent"_s, u"primary"_s, u"foreign"_s, u"references"_s, u"unique"_s, u"check"_s, u"default"_s, u"constraint"_s,
-        u"identity"_s, u"convert"_s, u"coalesce"_s, u"nullif"_s, u"for"_s, u"option"_s, u"goto"_s, u"waitfor"_s, u"grant"_s,
-        u"revoke"_s, u"deny"_s, u"truncate"_s, u"trigger"_s, u"use"_s, u"backup"_s, u"restore"_s, u"except"_s, u"intersect"_s,
-        u"collate"_s, u"escape"_s, u"over"_s, u"to"_s, u"key"_s, u"clustered"_s, u"nonclustered"_s, u"kill"_s, u"bulk"_s};
+        u"select"_s,     u"from"_s,         u"where"_s,      u"group"_s,      u"order"_s,     u"having"_s,
+        u"union"_s,      u"on"_s,           u"inner"_s,      u"left"_s,       u"right"_s,     u"full"_s,
+        u"cross"_s,      u"outer"_s,        u"join"_s,       u"as"_s,         u"and"_s,       u"or"_s,
+        u"not"_s,        u"in"_s,           u"like"_s,       u"between"_s,    u"is"_s,        u"null"_s,
+        u"exists"_s,     u"case"_s,         u"when"_s,       u"then"_s,       u"else"_s,      u"end"_s,
+        u"insert"_s,     u"into"_s,         u"values"_s,     u"update"_s,     u"set"_s,       u"delete"_s,
+        u"create"_s,     u"alter"_s,        u"drop"_s,       u"table"_s,      u"view"_s,      u"procedure"_s,
+        u"proc"_s,       u"function"_s,     u"index"_s,      u"begin"_s,      u"commit"_s,    u"rollback"_s,
+        u"tran"_s,       u"transaction"_s,  u"declare"_s,    u"if"_s,         u"while"_s,     u"break"_s,
+        u"continue"_s,   u"return"_s,       u"exec"_s,       u"execute"_s,    u"raiserror"_s, u"print"_s,
+        u"open"_s,       u"fetch"_s,        u"close"_s,      u"deallocate"_s, u"cursor"_s,    u"merge"_s,
+        u"pivot"_s,      u"unpivot"_s,      u"with"_s,       u"top"_s,        u"distinct"_s,  u"all"_s,
+        u"any"_s,        u"some"_s,         u"by"_s,         u"asc"_s,        u"desc"_s,      u"percent"_s,
+        u"primary"_s,    u"foreign"_s,      u"references"_s, u"unique"_s,     u"check"_s,     u"default"_s,
+        u"constraint"_s, u"identity"_s,     u"convert"_s,    u"coalesce"_s,   u"nullif"_s,    u"for"_s,
+        u"option"_s,     u"goto"_s,         u"waitfor"_s,    u"grant"_s,      u"revoke"_s,    u"deny"_s,
+        u"truncate"_s,   u"trigger"_s,      u"use"_s,        u"backup"_s,     u"restore"_s,   u"except"_s,
+        u"intersect"_s,  u"collate"_s,      u"escape"_s,     u"over"_s,       u"to"_s,        u"key"_s,
+        u"clustered"_s,  u"nonclustered"_s, u"kill"_s,       u"bulk"_s};
     return words;
 }
 
 // Words that would read as an alias or a name but can only be meant as something else.
 bool IsForeignWord(const Token &token)
 {
-    static const QSet<QString> words = {u"limit"_s, u"offset"_s, u"glob"_s, u"regexp"_s, u"apply"_s, u"natural"_s,
-                                        u"using"_s, u"isnull"_s, u"notnull"_s, u"window"_s, u"returning"_s, u"match"_s};
+    static const QSet<QString> words = {u"limit"_s,   u"offset"_s,  u"glob"_s,      u"regexp"_s,
+                                        u"apply"_s,   u"natural"_s, u"using"_s,     u"isnull"_s,
+                                        u"notnull"_s, u"window"_s,  u"returning"_s, u"match"_s};
     return token.kind == Token::Kind::Word && words.contains(token.lower);
 }
 
 bool IsForeignStatement(const QString &word)
 {
     static const QSet<QString> words = {
-        u"merge"_s, u"with"_s, u"grant"_s, u"revoke"_s, u"deny"_s, u"goto"_s, u"waitfor"_s, u"truncate"_s, u"use"_s,
-        u"backup"_s, u"restore"_s, u"dbcc"_s, u"pragma"_s, u"attach"_s, u"detach"_s, u"vacuum"_s, u"reindex"_s, u"analyze"_s,
-        u"explain"_s, u"replace"_s, u"savepoint"_s, u"release"_s, u"bulk"_s, u"kill"_s, u"save"_s, u"disable"_s, u"enable"_s,
-        u"checkpoint"_s, u"shutdown"_s, u"reconfigure"_s, u"readtext"_s, u"writetext"_s, u"updatetext"_s, u"revert"_s,
-        u"receive"_s, u"send"_s, u"values"_s};
+        u"merge"_s,    u"with"_s,        u"grant"_s,    u"revoke"_s,    u"deny"_s,       u"goto"_s,    u"waitfor"_s,
+        u"truncate"_s, u"use"_s,         u"backup"_s,   u"restore"_s,   u"dbcc"_s,       u"pragma"_s,  u"attach"_s,
+        u"detach"_s,   u"vacuum"_s,      u"reindex"_s,  u"analyze"_s,   u"explain"_s,    u"replace"_s, u"savepoint"_s,
+        u"release"_s,  u"bulk"_s,        u"kill"_s,     u"save"_s,      u"disable"_s,    u"enable"_s,  u"checkpoint"_s,
+        u"shutdown"_s, u"reconfigure"_s, u"readtext"_s, u"writetext"_s, u"updatetext"_s, u"revert"_s,  u"receive"_s,
+        u"send"_s,     u"values"_s};
     return words.contains(word);
 }
 
 bool IsForeignProcedure(const QString &name)
 {
-    return name.compare("sp_executesql"_L1, Qt::CaseInsensitive) == 0
-        || name.startsWith("xp_"_L1, Qt::CaseInsensitive);
+    return name.compare("sp_executesql"_L1, Qt::CaseInsensitive) == 0 || name.startsWith("xp_"_L1, Qt::CaseInsensitive);
 }
 
 class Parser
@@ -64,8 +72,7 @@ public:
     explicit Parser(const QString &text)
         : text_(text)
         , tokens_(Lex(text))
-    {
-    }
+    {}
 
     std::shared_ptr<Program> Run()
     {
@@ -131,7 +138,8 @@ private:
     bool AtName() const
     {
         const Token &token = Now();
-        return token.kind == Token::Kind::Quoted || (token.kind == Token::Kind::Word && !Reserved().contains(token.lower));
+        return token.kind == Token::Kind::Quoted ||
+               (token.kind == Token::Kind::Word && !Reserved().contains(token.lower));
     }
     QString TakeName()
     {
@@ -168,12 +176,13 @@ private:
     void DeclareName(const QString &name, Place place)
     {
         if (declared_.contains(name))
-            throw Error(Error::Kind::Syntax, 134,
-                        u"The variable name '%1' has already been declared."_s.arg(name), place.line, place.column, name);
+            Fail(Error::Kind::Syntax, 134, u"The variable name '%1' has already been declared."_s.arg(name), place,
+                 name);
         declared_.insert(name);
     }
 
-    struct Nesting {
+    struct Nesting
+    {
         explicit Nesting(Parser &owner)
             : parser(owner)
         {
@@ -213,11 +222,11 @@ private:
     static void NeedPredicate(const Expr &expr)
     {
         if (!expr.IsPredicate())
-            throw Error(Error::Kind::Syntax, 4145,
-                        u"An expression of non-boolean type stands where a condition is expected (line %1, column %2)."_s
-                            .arg(expr.place.line)
-                            .arg(expr.place.column),
-                        expr.place.line, expr.place.column, expr.text);
+            Fail(Error::Kind::Syntax, 4145,
+                 u"An expression of non-boolean type stands where a condition is expected (line %1, column %2)."_s
+                     .arg(expr.place.line)
+                     .arg(expr.place.column),
+                 expr.place, expr.text);
     }
 
     ExprPtr ParseScalar()
@@ -275,9 +284,8 @@ private:
         }
         ExprPtr left = ParseAdditive();
         const Token op = Now();
-        if (op.kind == Token::Kind::Symbol
-            && (op.text == "="_L1 || op.text == "<>"_L1 || op.text == "<"_L1 || op.text == ">"_L1 || op.text == "<="_L1
-                || op.text == ">="_L1)) {
+        if (op.kind == Token::Kind::Symbol && (op.text == "="_L1 || op.text == "<>"_L1 || op.text == "<"_L1 ||
+                                               op.text == ">"_L1 || op.text == "<="_L1 || op.text == ">="_L1)) {
             NeedScalar(*left);
             Take();
             if (Now().Is("all"_L1) || Now().Is("any"_L1) || Now().Is("some"_L1))
@@ -302,9 +310,9 @@ private:
             if (negated)
                 Take();
             const QString keyword = Take().lower;
-            ExprPtr result = keyword == "like"_L1  ? ParseLike(op.place, std::move(left))
-                : keyword == "between"_L1 ? ParseBetween(op.place, std::move(left))
-                                          : ParseIn(op.place, std::move(left));
+            ExprPtr result = keyword == "like"_L1      ? ParseLike(op.place, std::move(left))
+                             : keyword == "between"_L1 ? ParseBetween(op.place, std::move(left))
+                                                       : ParseIn(op.place, std::move(left));
             result->negated = negated;
             return result;
         }
@@ -378,7 +386,8 @@ private:
         ExprPtr result = Make(negate ? Kind::Negate : Kind::Complement, Take().place);
         ExprPtr operand = ParseUnary();
         NeedScalar(*operand);
-        if (negate && (operand->kind == Kind::Integer || operand->kind == Kind::Decimal) && !operand->text.startsWith(u'-')) {
+        if (negate && (operand->kind == Kind::Integer || operand->kind == Kind::Decimal) &&
+            !operand->text.startsWith(u'-')) {
             operand->text.prepend(u'-');
             operand->place = result->place;
             return operand;
@@ -422,9 +431,9 @@ private:
             return ParseCast();
         if (token.Is("convert"_L1))
             return ParseConvert();
-        if ((token.Is("left"_L1) || token.Is("right"_L1) || token.Is("coalesce"_L1) || token.Is("nullif"_L1)
-             || token.Is("isnull"_L1) || token.Is("replace"_L1))
-            && Now(1).IsSymbol("("_L1)) {
+        if ((token.Is("left"_L1) || token.Is("right"_L1) || token.Is("coalesce"_L1) || token.Is("nullif"_L1) ||
+             token.Is("isnull"_L1) || token.Is("replace"_L1)) &&
+            Now(1).IsSymbol("("_L1)) {
             Take();
             return ParseCall(token.place, {}, token.text);
         }
@@ -486,8 +495,8 @@ private:
         if (call->args.size() > 100)
             Refuse(u"A list of arguments this long"_s, place);
         for (const ExprPtr &arg : call->args) {
-            if (arg && arg->kind == Kind::Star
-                && (call->args.size() > 1 || name.compare("count"_L1, Qt::CaseInsensitive) != 0 || !qualifier.isEmpty()))
+            if (arg && arg->kind == Kind::Star &&
+                (call->args.size() > 1 || name.compare("count"_L1, Qt::CaseInsensitive) != 0 || !qualifier.isEmpty()))
                 SyntaxError(u"*"_s, arg->place);
         }
         if (Accept("over"_L1)) {
@@ -717,9 +726,9 @@ private:
                 Expect("join"_L1);
                 join->join = TableRef::Join::Inner;
             } else if (Now().Is("left"_L1) || Now().Is("right"_L1) || Now().Is("full"_L1)) {
-                join->join = Now().Is("left"_L1) ? TableRef::Join::Left
-                    : Now().Is("right"_L1)   ? TableRef::Join::Right
-                                             : TableRef::Join::Full;
+                join->join = Now().Is("left"_L1)    ? TableRef::Join::Left
+                             : Now().Is("right"_L1) ? TableRef::Join::Right
+                                                    : TableRef::Join::Full;
                 Take();
                 Accept("outer"_L1);
                 Expect("join"_L1);
@@ -729,8 +738,8 @@ private:
                 Take();
                 Expect("join"_L1);
             } else {
-                if (start.Is("outer"_L1) || start.Is("pivot"_L1) || start.Is("unpivot"_L1) || start.Is("with"_L1)
-                    || IsForeignWord(start))
+                if (start.Is("outer"_L1) || start.Is("pivot"_L1) || start.Is("unpivot"_L1) || start.Is("with"_L1) ||
+                    IsForeignWord(start))
                     RefuseHere();
                 return left;
             }
@@ -787,8 +796,7 @@ private:
 
     // ---- statements
 
-    template <typename T>
-    std::unique_ptr<T> Begin(int keywords = 1)
+    template <typename T> std::unique_ptr<T> Begin(int keywords = 1)
     {
         auto statement = std::make_unique<T>();
         statement->place = Now().place;
@@ -864,8 +872,8 @@ private:
         }
         if (word == "commit"_L1 || word == "rollback"_L1) {
             auto result = Begin<TransactionStatement>();
-            result->action = word == "commit"_L1 ? TransactionStatement::Action::Commit
-                                                 : TransactionStatement::Action::Rollback;
+            result->action =
+                word == "commit"_L1 ? TransactionStatement::Action::Commit : TransactionStatement::Action::Rollback;
             if (Accept("tran"_L1) || Accept("transaction"_L1))
                 TransactionName();
             else
@@ -885,10 +893,7 @@ private:
         if (Now().kind == Token::Kind::Variable || (AtName() && !StartsStatement(Now())))
             Refuse(u"A transaction's name"_s, Now().place);
     }
-    static bool StartsStatement(const Token &token)
-    {
-        return token.Is("throw"_L1) || IsForeignStatement(token.lower);
-    }
+    static bool StartsStatement(const Token &token) { return token.Is("throw"_L1) || IsForeignStatement(token.lower); }
     // Whether an expression follows RETURN or THROW.
     bool AtValue() const
     {
@@ -899,9 +904,9 @@ private:
         case Token::Kind::Symbol:
             return token.text == "("_L1 || token.text == "-"_L1 || token.text == "+"_L1 || token.text == "~"_L1;
         case Token::Kind::Word:
-            if (token.lower == "case"_L1 || token.lower == "null"_L1 || token.lower == "convert"_L1
-                || token.lower == "coalesce"_L1 || token.lower == "nullif"_L1
-                || ((token.lower == "left"_L1 || token.lower == "right"_L1) && Now(1).IsSymbol("("_L1)))
+            if (token.lower == "case"_L1 || token.lower == "null"_L1 || token.lower == "convert"_L1 ||
+                token.lower == "coalesce"_L1 || token.lower == "nullif"_L1 ||
+                ((token.lower == "left"_L1 || token.lower == "right"_L1) && Now(1).IsSymbol("("_L1)))
                 return true;
             return !Reserved().contains(token.lower) && !StartsStatement(token);
         default:
@@ -918,10 +923,10 @@ private:
             statement->assigns |= !item.assignedTo.isEmpty();
         for (const SelectItem &item : core.items) {
             if (statement->assigns && (item.assignedTo.isEmpty() || statement->query.arms.size() > 1))
-                throw Error(Error::Kind::Syntax, 141,
-                            u"A SELECT statement that assigns a value to a variable must not be combined with data-retrieval "
-                            "operations."_s,
-                            item.place.line, item.place.column);
+                Fail(Error::Kind::Syntax, 141,
+                     u"A SELECT statement that assigns a value to a variable must not be combined with data-retrieval "
+                     "operations."_s,
+                     item.place);
         }
         return statement;
     }
@@ -1036,12 +1041,12 @@ private:
         }
         if (what.Is("view"_L1) || what.Is("function"_L1) || what.Is("procedure"_L1) || what.Is("proc"_L1)) {
             if (!alone_ || nesting_ > 1)
-                throw Error(Error::Kind::Syntax, 111,
-                            u"'CREATE %1' must be the only statement in its batch (line %2, column %3)."_s
-                                .arg(what.text.toUpper())
-                                .arg(Now().place.line)
-                                .arg(Now().place.column),
-                            Now().place.line, Now().place.column, what.text);
+                Fail(Error::Kind::Syntax, 111,
+                     u"'CREATE %1' must be the only statement in its batch (line %2, column %3)."_s
+                         .arg(what.text.toUpper())
+                         .arg(Now().place.line)
+                         .arg(Now().place.column),
+                     Now().place, what.text);
             return what.Is("view"_L1) ? ParseView() : what.Is("function"_L1) ? ParseFunction() : ParseProcedure();
         }
         if (what.Is("index"_L1) || what.Is("unique"_L1) || what.Is("clustered"_L1) || what.Is("nonclustered"_L1))
@@ -1070,8 +1075,8 @@ private:
     bool AtConstraint() const
     {
         const Token &token = Now();
-        return token.Is("constraint"_L1) || token.Is("primary"_L1) || token.Is("unique"_L1) || token.Is("check"_L1)
-            || token.Is("foreign"_L1);
+        return token.Is("constraint"_L1) || token.Is("primary"_L1) || token.Is("unique"_L1) || token.Is("check"_L1) ||
+               token.Is("foreign"_L1);
     }
 
     TableConstraint ParseConstraint()
@@ -1344,8 +1349,9 @@ private:
         if (columns.isEmpty())
             return;
         if (size_t(columns.size()) != items.size())
-            throw Error(Error::Kind::Syntax, 8158, u"'%1' has more or fewer columns than were specified in the column list."_s.arg(
-                                                       view.name), view.place.line, view.place.column, view.name);
+            Fail(Error::Kind::Syntax, 8158,
+                 u"'%1' has more or fewer columns than were specified in the column list."_s.arg(view.name), view.place,
+                 view.name);
         for (size_t i = 0; i < items.size(); ++i) {
             if (items[i].star)
                 Refuse(u"A star beside a list of column names"_s, items[i].place);
@@ -1531,7 +1537,8 @@ private:
         if (Accept("identity_insert"_L1)) {
             statement->identityInsert = TakeObjectName();
         } else {
-            static const QSet<QString> harmless = {u"nocount"_s, u"ansi_nulls"_s, u"quoted_identifier"_s, u"xact_abort"_s};
+            static const QSet<QString> harmless = {u"nocount"_s, u"ansi_nulls"_s, u"quoted_identifier"_s,
+                                                   u"xact_abort"_s};
             if (!harmless.contains(option.lower))
                 Refuse(u"SET "_s + option.text.toUpper(), statement->place);
             Take();
@@ -1602,8 +1609,8 @@ private:
             statement->action = Action::Declare;
             statement->name = TakeName();
             Expect("cursor"_L1);
-            while (Now().Is("local"_L1) || Now().Is("fast_forward"_L1) || Now().Is("forward_only"_L1) || Now().Is("static"_L1)
-                   || Now().Is("read_only"_L1))
+            while (Now().Is("local"_L1) || Now().Is("fast_forward"_L1) || Now().Is("forward_only"_L1) ||
+                   Now().Is("static"_L1) || Now().Is("read_only"_L1))
                 Take();
             if (!Now().Is("for"_L1))
                 RefuseHere();
@@ -1612,8 +1619,8 @@ private:
             ParseQuery(statement->select->query);
         } else if (word == "fetch"_L1) {
             statement->action = Action::Fetch;
-            if (Now().Is("prior"_L1) || Now().Is("first"_L1) || Now().Is("last"_L1) || Now().Is("absolute"_L1)
-                || Now().Is("relative"_L1))
+            if (Now().Is("prior"_L1) || Now().Is("first"_L1) || Now().Is("last"_L1) || Now().Is("absolute"_L1) ||
+                Now().Is("relative"_L1))
                 RefuseHere();
             if (Accept("next"_L1) || Now().Is("from"_L1))
                 Expect("from"_L1);
@@ -1623,7 +1630,9 @@ private:
                 statement->into.append(TakeVariable());
             while (AcceptSymbol(","_L1));
         } else {
-            statement->action = word == "open"_L1 ? Action::Open : word == "close"_L1 ? Action::Close : Action::Deallocate;
+            statement->action = word == "open"_L1    ? Action::Open
+                                : word == "close"_L1 ? Action::Close
+                                                     : Action::Deallocate;
             statement->name = TakeName();
         }
         return statement;

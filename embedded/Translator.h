@@ -11,20 +11,24 @@
 
 namespace embedded {
 
-struct Variable {
+struct Variable
+{
     Type type;
     QVariant value; // in the form in which it is bound
 };
 
 // SQLite text that stands for one statement.
-struct Translation {
+struct Translation
+{
     QString sql;
-    QStringList variables; // ?1, ?2 ... in this order
-    QList<Column> columns; // of a SELECT
-    QString identityTable; // INSERT: the table whose identity column is generated...
+    QStringList variables;      // ?1, ?2 ... in this order
+    QList<Column> columns;      // of a SELECT
+    QString identityTable;      // INSERT: the table whose identity column is generated...
     bool identityGiven = false; // ... or given with the values
-    bool temporary = false; // names a temporary table or a table variable
+    bool temporary = false;     // names a temporary table or a table variable
 };
+
+struct Worker;
 
 // One use of the translator: one statement. Throws Error.
 class Translator
@@ -49,19 +53,20 @@ public:
     Translation Value(const Expr &expr, const Type &target);
     Translation Condition(const Expr &expr);
 
-    struct Worker; // known only to the translation unit
 private:
     std::unique_ptr<Worker> worker_;
 };
 
 // Definitions become SQLite's with SQLite's own functions only, so that any tool can open the file.
-struct Definition {
+struct Definition
+{
     QStringList statements;
     QList<std::pair<QString, QString>> exactTypes; // column, T-SQL type, where SQLite's schema cannot hold it
-    QString seedTable; // identity that does not start at 1
+    QString seedTable;                             // identity that does not start at 1
     qlonglong seed = 1;
 };
-Definition TranslateTable(Catalogue &catalogue, const CreateTableStatement &statement, const QString &name, bool temporary);
+Definition TranslateTable(Catalogue &catalogue, const CreateTableStatement &statement, const QString &name,
+                          bool temporary);
 Definition TranslateColumns(Catalogue &catalogue, const AlterTableStatement &statement, const Table &table);
 // A table constraint as it stands in CREATE TABLE.
 QString TranslateConstraint(Catalogue &catalogue, const TableConstraint &constraint, const Table &table);

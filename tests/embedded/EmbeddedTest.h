@@ -40,8 +40,7 @@ inline QString Shown(const embedded::Rows &rows)
 }
 
 // What a piece of work throws, "number kind text", or "no error".
-template <typename Work>
-QString ErrorOf(Work work)
+template <typename Work> QString ErrorOf(Work work)
 {
     try {
         work();
@@ -52,8 +51,7 @@ QString ErrorOf(Work work)
 }
 
 // The same without the text, for comparison with one number and kind.
-template <typename Work>
-std::pair<int, embedded::Error::Kind> FaultOf(Work work)
+template <typename Work> std::pair<int, embedded::Error::Kind> FaultOf(Work work)
 {
     try {
         work();
@@ -63,8 +61,8 @@ std::pair<int, embedded::Error::Kind> FaultOf(Work work)
     return {0, embedded::Error::Kind::Other};
 }
 
-#define QP_FAULT(work, errorNumber, errorKind)                                                                            \
-    do {                                                                                                                  \
-        const auto [number_, kind_] = FaultOf([&] { work; });                                                            \
-        QVERIFY2(number_ == (errorNumber) && kind_ == (errorKind), qPrintable(ErrorOf([&] { work; })));                  \
+#define QP_FAULT(work, errorNumber, errorKind)                                                                         \
+    do {                                                                                                               \
+        const auto [number_, kind_] = FaultOf([&] { work; });                                                          \
+        QVERIFY2(number_ == (errorNumber) && kind_ == (errorKind), qPrintable(ErrorOf([&] { work; })));                \
     } while (false)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Feeds mutated statements to the engine. It must neither crash nor hang nor let SQLite see text that SQLite cannot parse:
-// whatever the translator accepts is prepared, and an SQLite error other than those the engine knows is a fault.
+// Feeds mutated statements to the engine. It must neither crash nor hang nor let SQLite see text that SQLite cannot
+// parse: whatever the translator accepts is prepared, and an SQLite error other than those the engine knows is a fault.
 // Built with clang -fsanitize=fuzzer -DQP_LIBFUZZER, the same file is a libFuzzer target.
 #include <QCoreApplication>
 #include <QDir>
@@ -50,49 +50,140 @@ GO
 
 const char *const kSeeds[] = {
     "select top 100 * from vBanks where cBSB >= :a and (cBSB > :a or idBank > :id) order by cBSB, idBank",
-    "select distinct B.cCode, count(*) as n, max(S.cState) from Banks B, States S where B.iState = S.idState group by B.cCode "
+    "select distinct B.cCode, count(*) as n, max(S.cState) from Banks B, States S where B.iState = S.idState group by "
+    "B.cCode "
     "having count(*) > 1 order by 2 desc, B.cCode",
     "select x = cCode + ' - ' + cName, y = case iState when 1 then 'a' when 2 then 'b' else null end from Banks",
-    "select a.cCode from Banks a inner join (select idState, cState from States where idState in (1, 2)) b on b.idState = a.iState "
+    "select a.cCode from Banks a inner join (select idState, cState from States where idState in (1, 2)) b on "
+    "b.idState = a.iState "
     "full outer join States c on c.idState = a.iState cross join States d",
     "select cCode from Banks union all select cState from States union select top 1 'x' from Banks order by 1",
     "select * from dbo.fnFrom('2009-09-09', 1) f where f.dFrom between '20090101' and dateadd(month, 1, getdate())",
     "select dbo.fnTwice(idBank) + dbo.fnSum(3), row_number() over (partition by iState order by cCode) as r from Banks",
-    "select left(cCode, 2), right(cCode, 3), len(cName), substring(cCode, 2, :n), charindex('a', cCode, 2), replace(cCode, 'a', ''),"
-    " str(fRate, 10, 2), round(fRate, -2), floor(fHours), ceiling(fHours), sign(fRate), abs(-1), ltrim(rtrim(upper(lower(cCode)))),"
+    "select left(cCode, 2), right(cCode, 3), len(cName), substring(cCode, 2, :n), charindex('a', cCode, 2), "
+    "replace(cCode, 'a', ''),"
+    " str(fRate, 10, 2), round(fRate, -2), floor(fHours), ceiling(fHours), sign(fRate), abs(-1), "
+    "ltrim(rtrim(upper(lower(cCode)))),"
     " replicate('%1', 2) + space(1) + char(65) from Banks",
-    "select convert(varchar(10), dFrom, 103), cast(fRate as int), datediff(week, dFrom, getdate()), datepart(dw, dFrom), "
-    "year(dFrom), nullif(iState, 0), coalesce(cName, cCode, ''), isnull(dFrom, 0), cast('2020-01-01' as datetime) + 1 from Banks",
-    "select * from Banks where not (cCode like 'A[a-c]%' or cName like :p escape '!') and exists (select * from States where idState"
+    "select convert(varchar(10), dFrom, 103), cast(fRate as int), datediff(week, dFrom, getdate()), datepart(dw, "
+    "dFrom), "
+    "year(dFrom), nullif(iState, 0), coalesce(cName, cCode, ''), isnull(dFrom, 0), cast('2020-01-01' as datetime) + 1 "
+    "from Banks",
+    "select * from Banks where not (cCode like 'A[a-c]%' or cName like :p escape '!') and exists (select * from States "
+    "where idState"
     " = iState) and idBank not in (select idState from States) and dFrom is not null and isnull(dFrom, 0) < 5",
-    "insert dbo.Banks (cCode, cName, bActive, dFrom, fRate) values (:c, N'it''s', 1, '20200101', 12.5), ('b', null, 0, :d, -1)",
-    "insert into [dbo].[States] select idBank + 10, left(cCode, 3) from Banks where idBank > (select min(idState) from States)",
+    "insert dbo.Banks (cCode, cName, bActive, dFrom, fRate) values (:c, N'it''s', 1, '20200101', 12.5), ('b', null, 0, "
+    ":d, -1)",
+    "insert into [dbo].[States] select idBank + 10, left(cCode, 3) from Banks where idBank > (select min(idState) from "
+    "States)",
     "update Banks set cName = cCode + 'x', fRate = fRate / 2 * (1 + 3 % 2), bActive = 0 where cCode = 'ANZ  '",
     "update B set cName = S.cState from Banks B inner join States S on S.idState = B.iState where S.cState <> 'VIC'",
     "delete B from Banks B left join States S on S.idState = B.iState where S.idState is null",
     "delete from Banks where dFrom < '2010-01-01T10:00:00'",
     "declare @x int, @s varchar(20) = 'a' set @x = 1 select @x = @x + idBank, @s = cCode from Banks where idBank = 1 "
     "if @x > 1 begin update Banks set cName = @s end else begin raiserror('no %s %d', 16, 1, @s, @x) end",
-    "begin try begin tran exec spAdd @code = 'q', @id = 1 commit end try begin catch if @@trancount > 0 rollback; throw end catch",
-    "create table #t (id int identity(1,1), c varchar(5) default 'x', check (id > 0)) insert #t (c) select cCode from Banks "
+    "begin try begin tran exec spAdd @code = 'q', @id = 1 commit end try begin catch if @@trancount > 0 rollback; "
+    "throw end catch",
+    "create table #t (id int identity(1,1), c varchar(5) default 'x', check (id > 0)) insert #t (c) select cCode from "
+    "Banks "
     "select * from #t drop table #t",
-    "declare @t table (id int primary key, c varchar(10)) insert @t select idBank, cCode from Banks select count(*) as n from @t t",
-    "declare c cursor local fast_forward for select idBank from Banks declare @i int open c fetch next from c into @i close c "
+    "declare @t table (id int primary key, c varchar(10)) insert @t select idBank, cCode from Banks select count(*) as "
+    "n from @t t",
+    "declare c cursor local fast_forward for select idBank from Banks declare @i int open c fetch next from c into @i "
+    "close c "
     "deallocate c",
-    "create table T (id int identity(5,1) primary key, c varchar(10) not null unique, d decimal(10,2) default (0), i image, "
+    "create table T (id int identity(5,1) primary key, c varchar(10) not null unique, d decimal(10,2) default (0), i "
+    "image, "
     "constraint FK_S foreign key (id) references States (idState) on delete cascade) alter table T add x smallint null",
     "create view v2 (a, b) as select top 5 idBank, cCode from Banks where dFrom > '20100101' order by cCode",
-    "create procedure p2 @a int = 1, @b datetime = null output as if object_id('Banks', 'U') is not null return @a select @b = getdate()",
+    "create procedure p2 @a int = 1, @b datetime = null output as if object_id('Banks', 'U') is not null return @a "
+    "select @b = getdate()",
     "create function f2 (@a money) returns table as return select idBank, fRate * @a as f from Banks",
 };
 
 const char *const kWords[] = {
-    "select", "from", "where", "(", ")", ",", "'", "[", "]", "\"", "--", "/*", "*/", ";", "||", "union", "all", "top 3", "order by",
-    "group by", "null", "is null", "in (", "like", "case when 1=1 then 2 end", "cast(1 as varchar(3))", "@x", ":p", "@@rowcount",
-    "'%2'", "%1", "limit 1", "pragma", "attach", "sqlite_master", "typeof(1)", "glob", "collate", "merge", "with", "exec", "0x12", "1e400",
-    "99999999999999999999", "-9223372036854775808", "max(", "count(*)", "over (order by 1)", "not", "and", "or", "between", "exists (",
-    "N'x'", "'%[a-'", "''", "*", "/ 0", "%", "&", "|", "~", "-", "+", "_rowid_", "rowid", "Banks", "vBanks", "B.", "dbo.", "cCode", "idBank",
-    "dFrom", "fnFrom('2020-01-01', 1)", "dbo.fnTwice(1)", "dateadd(month, 1, dFrom)", "distinct", "default", "getdate()", "@t", "#t", "\xc3\xa9",
+    "select",
+    "from",
+    "where",
+    "(",
+    ")",
+    ",",
+    "'",
+    "[",
+    "]",
+    "\"",
+    "--",
+    "/*",
+    "*/",
+    ";",
+    "||",
+    "union",
+    "all",
+    "top 3",
+    "order by",
+    "group by",
+    "null",
+    "is null",
+    "in (",
+    "like",
+    "case when 1=1 then 2 end",
+    "cast(1 as varchar(3))",
+    "@x",
+    ":p",
+    "@@rowcount",
+    "'%2'",
+    "%1",
+    "limit 1",
+    "pragma",
+    "attach",
+    "sqlite_master",
+    "typeof(1)",
+    "glob",
+    "collate",
+    "merge",
+    "with",
+    "exec",
+    "0x12",
+    "1e400",
+    "99999999999999999999",
+    "-9223372036854775808",
+    "max(",
+    "count(*)",
+    "over (order by 1)",
+    "not",
+    "and",
+    "or",
+    "between",
+    "exists (",
+    "N'x'",
+    "'%[a-'",
+    "''",
+    "*",
+    "/ 0",
+    "%",
+    "&",
+    "|",
+    "~",
+    "-",
+    "+",
+    "_rowid_",
+    "rowid",
+    "Banks",
+    "vBanks",
+    "B.",
+    "dbo.",
+    "cCode",
+    "idBank",
+    "dFrom",
+    "fnFrom('2020-01-01', 1)",
+    "dbo.fnTwice(1)",
+    "dateadd(month, 1, dFrom)",
+    "distinct",
+    "default",
+    "getdate()",
+    "@t",
+    "#t",
+    "\xc3\xa9",
 };
 
 class Fuzzer

@@ -243,44 +243,62 @@ void TestEmbedded::Queries_data()
         {"top of an expression", "select top (1 + 1) idBank from Banks order by 1", "1; 2"},
         {"aliases", "select x = cCode, idBank y, cName as [the name] from Banks where idBank = 1", "ANZ|1|Alpha Bank"},
         {"order by alias", "select cCode as k from Banks order by k desc", "CBA; BNK; ANZ"},
-        {"order ignores case", "select cName from Banks where cName is not null order by cName desc", "beta bank; Alpha Bank"},
-        {"distinct ignores case", "select distinct x from (select 'a' as x union all select 'A' union all select 'b') t order by x",
-         "a; b"},
+        {"order ignores case", "select cName from Banks where cName is not null order by cName desc",
+         "beta bank; Alpha Bank"},
+        {"distinct ignores case",
+         "select distinct x from (select 'a' as x union all select 'A' union all select 'b') t order by x", "a; b"},
         {"comma join", "select B.cCode, S.cState from Banks B, dbo.States S where S.idState = B.iState order by 1",
          "ANZ|NSW; BNK|VIC"},
-        {"left join", "select b.cCode, s.cState from Banks b left join States s on s.idState = b.iState order by b.idBank",
+        {"left join",
+         "select b.cCode, s.cState from Banks b left join States s on s.idState = b.iState order by b.idBank",
          "ANZ|NSW; BNK|VIC; CBA|NULL"},
-        {"right join", "select cCode, cState from Banks b right outer join States s on s.idState = b.iState order by cState",
+        {"right join",
+         "select cCode, cState from Banks b right outer join States s on s.idState = b.iState order by cState",
          "ANZ|NSW; NULL|QLD; BNK|VIC"},
         {"full join", "select count(*) as n from Banks b full join States s on s.idState = b.iState", "4"},
         {"cross join", "select count(*) as n from Banks cross join States", "9"},
-        {"nested join", "select b.cCode, l.iNo from Banks b left join (Links l inner join States s on s.idState = l.iNo) on "
-         "l.iBank = b.idBank order by 1, 2", "ANZ|1; ANZ|2; BNK|1; CBA|NULL"},
-        {"group", "select isnull(iState, 0) as s, count(*) as n from Banks group by isnull(iState, 0) having count(*) > 0 order by 1",
+        {"nested join",
+         "select b.cCode, l.iNo from Banks b left join (Links l inner join States s on s.idState = l.iNo) on "
+         "l.iBank = b.idBank order by 1, 2",
+         "ANZ|1; ANZ|2; BNK|1; CBA|NULL"},
+        {"group",
+         "select isnull(iState, 0) as s, count(*) as n from Banks group by isnull(iState, 0) having count(*) > 0 order "
+         "by 1",
          "0|1; 1|1; 2|1"},
-        {"aggregates", "select count(*) as a, count(iState) as b, sum(iSmall) as c, avg(iSmall) as d, min(cName) as e, max(dFrom) as f "
-         "from Banks", "3|2|30|15|Alpha Bank|2021-02-28T10:30:00.000"},
+        {"aggregates",
+         "select count(*) as a, count(iState) as b, sum(iSmall) as c, avg(iSmall) as d, min(cName) as e, max(dFrom) as "
+         "f "
+         "from Banks",
+         "3|2|30|15|Alpha Bank|2021-02-28T10:30:00.000"},
         {"having without group", "select sum(iSmall) as s from Banks having sum(iSmall) > 100", ""},
         {"union", "select count(*) as n from (select cState from States union select 'nsw') t", "3"},
         {"union all", "select 1 as x union all select 1", "1; 1"},
         {"top within a union", "select top 1 idState from States order by 1", "1"},
         {"derived", "select t.n from (select top 2 idBank as n from Banks order by idBank desc) t order by n", "2; 3"},
-        {"scalar subquery", "select cCode, (select count(*) from Links where iBank = B.idBank) as n from Banks B order by n desc",
+        {"scalar subquery",
+         "select cCode, (select count(*) from Links where iBank = B.idBank) as n from Banks B order by n desc",
          "ANZ|2; BNK|1; CBA|0"},
-        {"exists", "select cCode from Banks B where exists (select * from Links L where L.iBank = B.idBank and L.cText is null)", "BNK"},
+        {"exists",
+         "select cCode from Banks B where exists (select * from Links L where L.iBank = B.idBank and L.cText is null)",
+         "BNK"},
         {"not exists of an aggregate", "select 1 as x where exists (select count(*) from Links where iBank = 99)", "1"},
-        {"in query", "select cCode from Banks where iState in (select idState from States where cState like 'V%')", "BNK"},
+        {"in query", "select cCode from Banks where iState in (select idState from States where cState like 'V%')",
+         "BNK"},
         {"not in list", "select cCode from Banks where cCode not in ('anz ', 'bnk')", "CBA"},
         {"view", "select cFull, cState from dbo.vBanks where cFull like 'anz -%'", "ANZ - Alpha Bank|NSW"},
         {"star of an alias", "select S.* from States S where idState = 2", "2|VIC"},
         {"null datetime below 5", "select cCode from Banks where isnull(dFrom, 0) < 5", "CBA"},
         {"view's datetime below 5", "select cCode from vBanks where dStart < 5", "CBA"},
         {"table function", "select cCode from [dbo].[fnBanks]('2020-06-01', 0) order by cCode", "ANZ; CBA"},
-        {"table function with alias", "select f.cCode from fnBanks('20200601', 1) f inner join Banks b on b.idBank = f.idBank where b.iState"
-         " = 2", "BNK"},
-        {"function in place keeps its names apart", "select dbo.fnTwice(f.idBank) as n from fnBanks('20300101', 0) as f order by 1",
-         "2; 4; 6"},
-        {"row number", "select row_number() over (partition by iBank order by iNo desc) as r, iNo from Links where iBank = 1 order by 1",
+        {"table function with alias",
+         "select f.cCode from fnBanks('20200601', 1) f inner join Banks b on b.idBank = f.idBank where b.iState"
+         " = 2",
+         "BNK"},
+        {"function in place keeps its names apart",
+         "select dbo.fnTwice(f.idBank) as n from fnBanks('20300101', 0) as f order by 1", "2; 4; 6"},
+        {"row number",
+         "select row_number() over (partition by iBank order by iNo desc) as r, iNo from Links where iBank = 1 order "
+         "by 1",
          "1|2; 2|1"},
         {"like class", "select cCode from Banks where cCode like '[a-b]%' order by 1", "ANZ; BNK"},
         {"like negated class", "select cCode from Banks where cCode like '[^a]N_'", "BNK"},
@@ -308,29 +326,45 @@ void TestEmbedded::Changes_data()
     QTest::addColumn<int>("affected");
     QTest::addColumn<QString>("query");
     QTest::addColumn<QString>("rows");
-    QTest::newRow("insert without into") << "insert Links values (3, 1, 'x  ')" << 1 << "select cText + '|' as t from Links where iBank = 3"
+    QTest::newRow("insert without into") << "insert Links values (3, 1, 'x  ')" << 1
+                                         << "select cText + '|' as t from Links where iBank = 3"
                                          << "x|";
-    QTest::newRow("insert skips the identity") << "insert Banks (cCode) values ('X'), ('Y')" << 2
-                                               << "select idBank, bActive from Banks where idBank > 3" << "4|true; 5|true";
+    QTest::newRow("insert skips the identity")
+        << "insert Banks (cCode) values ('X'), ('Y')" << 2 << "select idBank, bActive from Banks where idBank > 3"
+        << "4|true; 5|true";
     QTest::newRow("insert default") << "insert Banks (cCode, bActive) values ('X', default)" << 1
-                                    << "select bActive from Banks where cCode = 'x'" << "true";
+                                    << "select bActive from Banks where cCode = 'x'"
+                                    << "true";
     QTest::newRow("insert select converts")
-        << "insert Banks (cCode, cName, dFrom, fRate, iSmall, bActive) select 'S' + cast(idState as varchar(3)), 12.50, '20220101', '1.5', "
+        << "insert Banks (cCode, cName, dFrom, fRate, iSmall, bActive) select 'S' + cast(idState as varchar(3)), "
+           "12.50, '20220101', '1.5', "
            "2.9, 7 from States where idState = 1"
-        << 1 << "select cName, dFrom, fRate, iSmall, bActive from Banks where cCode = 'S1'" << "12.5|2022-01-01|1.5|2|true";
-    QTest::newRow("update") << "update dbo.Banks set cName = cCode + '!', mFee = mFee / 4, dFrom = null where iState is not null" << 2
-                            << "select cName, mFee, dFrom from Banks where idBank < 3" << "ANZ!|2.5|NULL; BNK!|0.625|NULL";
-    QTest::newRow("update from join") << "update B set cName = S.cState, iSmall = L.iNo from Banks B inner join States S on S.idState = "
-                                         "B.iState left join Links L on L.iBank = B.idBank and L.iNo = 2 where B.idBank < 3"
-                                      << 2 << "select cName, iSmall from Banks order by idBank" << "NSW|2; VIC|NULL; NULL|NULL";
-    QTest::newRow("update from another table") << "update Banks set cName = S.cState from States S where S.idState = Banks.iState" << 2
-                                               << "select cName from Banks order by idBank" << "NSW; VIC; NULL";
-    QTest::newRow("delete") << "delete Links where iBank = 1" << 2 << "select count(*) as n from Links" << "1";
-    QTest::newRow("delete from join") << "delete L from Links L inner join Banks B on B.idBank = L.iBank where B.cCode = 'anz'" << 2
-                                      << "select iBank from Links" << "2";
-    QTest::newRow("delete cascades") << "delete from Banks where idBank = 1" << 1 << "select count(*) as n from Links" << "1";
-    QTest::newRow("rounded to the column's scale") << "update Banks set dcPart = 1.239, mFee = 1.23456 where idBank = 3" << 1
-                                                   << "select dcPart, mFee from Banks where idBank = 3" << "1.24|1.2346";
+        << 1 << "select cName, dFrom, fRate, iSmall, bActive from Banks where cCode = 'S1'"
+        << "12.5|2022-01-01|1.5|2|true";
+    QTest::newRow("update")
+        << "update dbo.Banks set cName = cCode + '!', mFee = mFee / 4, dFrom = null where iState is not null" << 2
+        << "select cName, mFee, dFrom from Banks where idBank < 3"
+        << "ANZ!|2.5|NULL; BNK!|0.625|NULL";
+    QTest::newRow("update from join")
+        << "update B set cName = S.cState, iSmall = L.iNo from Banks B inner join States S on S.idState = "
+           "B.iState left join Links L on L.iBank = B.idBank and L.iNo = 2 where B.idBank < 3"
+        << 2 << "select cName, iSmall from Banks order by idBank"
+        << "NSW|2; VIC|NULL; NULL|NULL";
+    QTest::newRow("update from another table")
+        << "update Banks set cName = S.cState from States S where S.idState = Banks.iState" << 2
+        << "select cName from Banks order by idBank"
+        << "NSW; VIC; NULL";
+    QTest::newRow("delete") << "delete Links where iBank = 1" << 2 << "select count(*) as n from Links"
+                            << "1";
+    QTest::newRow("delete from join")
+        << "delete L from Links L inner join Banks B on B.idBank = L.iBank where B.cCode = 'anz'" << 2
+        << "select iBank from Links"
+        << "2";
+    QTest::newRow("delete cascades") << "delete from Banks where idBank = 1" << 1 << "select count(*) as n from Links"
+                                     << "1";
+    QTest::newRow("rounded to the column's scale") << "update Banks set dcPart = 1.239, mFee = 1.23456 where idBank = 3"
+                                                   << 1 << "select dcPart, mFee from Banks where idBank = 3"
+                                                   << "1.24|1.2346";
 }
 
 void TestEmbedded::Changes()
@@ -349,7 +383,8 @@ void TestEmbedded::Faults_data()
     QTest::addColumn<int>("number");
     QTest::addColumn<Kind>("kind");
     QTest::addColumn<QString>("mentions");
-    const struct {
+    const struct
+    {
         const char *statement;
         int number;
         Kind kind;
@@ -361,7 +396,8 @@ void TestEmbedded::Faults_data()
         {"update Banks set bActive = null", 515, Kind::NullValue, "'bActive'"},
         {"insert States (cState) values ('ACT')", 515, Kind::NullValue, "'idState'"},
         {"insert States (idState, cState) values (null, 'ACT')", 515, Kind::NullValue, "'idState'"},
-        {"insert States (idState, cState) select null, 'ACT' from States where idState = 1", 515, Kind::NullValue, "'idState'"},
+        {"insert States (idState, cState) select null, 'ACT' from States where idState = 1", 515, Kind::NullValue,
+         "'idState'"},
         {"insert Banks (cCode) values ('anz ')", 2601, Kind::Duplicate, "'dbo.Banks'"},
         {"insert States values (9, 'nsw')", 2627, Kind::Duplicate, "UNIQUE KEY"},
         {"insert States values (1, 'ACT')", 2627, Kind::Duplicate, "PRIMARY KEY"},
@@ -497,7 +533,8 @@ void TestEmbedded::Refusals_data()
     QString deep = QStringLiteral("1");
     for (int i = 0; i < 500; ++i)
         deep = '(' + deep + ')';
-    QTest::newRow("deep") << "select " + deep + " as x" << "Nesting this deep is not part of the supported SQL (line 1, column 67).";
+    QTest::newRow("deep") << "select " + deep + " as x"
+                          << "Nesting this deep is not part of the supported SQL (line 1, column 67).";
     QTest::newRow("long sum") << "select 1" + QStringLiteral(" + 1").repeated(5000) + " as x"
                               << "Nesting this deep is not part of the supported SQL (line 1, column 802).";
 }
@@ -525,7 +562,8 @@ void TestEmbedded::Comparisons_data()
     QTest::newRow("parameter on the left") << ":p = cCode" << QVariant("Anz ") << "ANZ";
     QTest::newRow("expression") << "left(cName, 6) = :p" << QVariant("ALPHA") << "ANZ";
     QTest::newRow("expression with blanks") << "cCode + ' ' = :p" << QVariant("bnk") << "BNK";
-    QTest::newRow("view's expression") << "idBank in (select idBank from vBanks where cFull = :p)" << QVariant("CBA - ?  ") << "CBA";
+    QTest::newRow("view's expression") << "idBank in (select idBank from vBanks where cFull = :p)"
+                                       << QVariant("CBA - ?  ") << "CBA";
     QTest::newRow("case in") << "upper(cName) in (:p, 'x')" << QVariant("Beta Bank ") << "BNK";
     QTest::newRow("like") << "cName like :p" << QVariant("%BANK") << "ANZ; BNK";
     QTest::newRow("like with a class") << "cCode like :p" << QVariant("[ab]%") << "ANZ; BNK";
@@ -537,7 +575,8 @@ void TestEmbedded::Comparisons_data()
     QTest::newRow("day number") << "isnull(dFrom, 0) < :p" << QVariant(5) << "CBA";
     QTest::newRow("bool") << "bActive = :p" << QVariant(true) << "ANZ; BNK; CBA";
     QTest::newRow("null") << "iState = :p" << QVariant() << "";
-    QTest::newRow("null text") << "isnull(:p, 'x') = 'X ' and idBank = 1" << QVariant(QMetaType::fromType<QString>()) << "ANZ";
+    QTest::newRow("null text") << "isnull(:p, 'x') = 'X ' and idBank = 1" << QVariant(QMetaType::fromType<QString>())
+                               << "ANZ";
     QTest::newRow("float") << "fRate = :p" << QVariant(1.5) << "ANZ";
     QTest::newRow("case when") << "case cCode when :p then 1 else 0 end = 1" << QVariant("cba") << "CBA";
 }
@@ -552,16 +591,18 @@ void TestEmbedded::Comparisons()
 
 void TestEmbedded::ParametersAndResultTypes()
 {
-    const Outcome outcome = engine_->Run(
-        "select idBank, bActive, iSmall, fRate, mFee, dcPart, dFrom, cName, cast(1 as bigint) as b, 1.5 as f, 'x' as t, null as n, "
-        "cast(dFrom as date) as d, count(*) over_ from Banks where idBank = 2 group by idBank, bActive, iSmall, fRate, mFee, dcPart, dFrom, "
-        "cName");
+    const Outcome outcome = engine_->Run("select idBank, bActive, iSmall, fRate, mFee, dcPart, dFrom, cName, cast(1 as "
+                                         "bigint) as b, 1.5 as f, 'x' as t, null as n, "
+                                         "cast(dFrom as date) as d, count(*) over_ from Banks where idBank = 2 group "
+                                         "by idBank, bActive, iSmall, fRate, mFee, dcPart, dFrom, "
+                                         "cName");
     QList<int> types;
     for (const QVariant &value : outcome.rows.rows.first())
         types.append(value.typeId());
-    QCOMPARE(types, (QList<int>{QMetaType::Int, QMetaType::Bool, QMetaType::Int, QMetaType::Double, QMetaType::Double, QMetaType::Double,
-                                QMetaType::QDateTime, QMetaType::QString, QMetaType::LongLong, QMetaType::Double, QMetaType::QString,
-                                QMetaType::UnknownType, QMetaType::QDate, QMetaType::Int}));
+    QCOMPARE(types, (QList<int>{QMetaType::Int, QMetaType::Bool, QMetaType::Int, QMetaType::Double, QMetaType::Double,
+                                QMetaType::Double, QMetaType::QDateTime, QMetaType::QString, QMetaType::LongLong,
+                                QMetaType::Double, QMetaType::QString, QMetaType::UnknownType, QMetaType::QDate,
+                                QMetaType::Int}));
     QCOMPARE(outcome.affected, -1);
     QVERIFY(outcome.hasRows);
 
@@ -569,12 +610,15 @@ void TestEmbedded::ParametersAndResultTypes()
     const QDateTime moment(QDate(2024, 2, 29), QTime(23, 59, 59, 123));
     const QString big(20000, u'x');
     const Outcome inserted = engine_->Run(
-        "insert Banks (cCode, cName, cNote, iSmall, bActive, dFrom, fRate, mFee) values (:c, :n, :o, :s, :b, :d, :f, :m)",
+        "insert Banks (cCode, cName, cNote, iSmall, bActive, dFrom, fRate, mFee) values (:c, :n, :o, :s, :b, :d, :f, "
+        ":m)",
         {{"C", "P1 "}, {"n", QString()}, {"o", big}, {"s", -5}, {"b", false}, {"d", moment}, {"f", 0.1}, {"m", 1.25f}});
     QCOMPARE(inserted.identity, 4);
     QCOMPARE(inserted.affected, 1);
     const QVariantList row =
-        engine_->Run("select cCode, cName, cNote, iSmall, bActive, dFrom, fRate, mFee from Banks where idBank = :id", {{"id", 4}})
+        engine_
+            ->Run("select cCode, cName, cNote, iSmall, bActive, dFrom, fRate, mFee from Banks where idBank = :id",
+                  {{"id", 4}})
             .rows.rows.first();
     QCOMPARE(row, (QVariantList{"P1", QVariant(), big, -5, false, moment, 0.1, 1.25}));
 
@@ -584,11 +628,12 @@ void TestEmbedded::ParametersAndResultTypes()
 
 void TestEmbedded::HostileText()
 {
-    const QStringList texts = {"'; drop table Banks; --", "\"", "[x]", "a--b", "/* */", "100%", "_", "\\", "日本語 ünï", QString(u'\0') + "x",
-                               "@x", ":x", "?1", "''''"};
+    const QStringList texts = {"'; drop table Banks; --", "\"", "[x]", "a--b", "/* */", "100%", "_", "\\", "日本語 ünï",
+                               QString(u'\0') + "x",      "@x", ":x",  "?1",   "''''"};
     for (const QString &text : texts) {
         engine_->Run("update Banks set cName = :t where idBank = 1", {{"t", text}});
-        const QVariantList row = engine_->Run("select cName, idBank from Banks where cName = :t", {{"t", text}}).rows.rows.value(0);
+        const QVariantList row =
+            engine_->Run("select cName, idBank from Banks where cName = :t", {{"t", text}}).rows.rows.value(0);
         QCOMPARE(row.value(0).toString(), text);
         QString literal = text;
         literal.remove(u'\0').replace("'", "''");
@@ -616,19 +661,23 @@ alter table T add constraint UQ_T unique (big)
 GO
 create view vT (a, b) as select i, c + 'x' from T
 GO
-)", "definitions");
-    QCOMPARE(Show("select i, c, n, big, x, iMore, cMore from T order by i"), "10|ab|1.3|NULL|NULL|7|NULL; 11|NULL|1.3|9000000000|255|7|NULL");
+)",
+                       "definitions");
+    QCOMPARE(Show("select i, c, n, big, x, iMore, cMore from T order by i"),
+             "10|ab|1.3|NULL|NULL|7|NULL; 11|NULL|1.3|9000000000|255|7|NULL");
     QCOMPARE(Show("select b from vT where a = 10"), "abx");
     QCOMPARE(Show("select count(*) as n from T where datediff(day, d, getdate()) = 0"), "2");
     QP_FAULT(engine_->Run("insert T (big) values (9000000000)"), 2601, Kind::Duplicate);
     QP_FAULT(engine_->Run("insert T (x) values (256)"), 245, Kind::Check);
     QP_FAULT(engine_->Run("insert T (cMore) values ('long')"), 8152, Kind::TooLong);
-    engine_->Run("set identity_insert T on; insert T (i, c) values (100, 'id'); set identity_insert T off; insert T (c) values ('nx')");
+    engine_->Run("set identity_insert T on; insert T (i, c) values (100, 'id'); set identity_insert T off; insert T "
+                 "(c) values ('nx')");
     QCOMPARE(Show("select max(i) as m from T"), "101");
 
     // a constraint on an empty table rebuilds it with its indexes
     engine_->RunScript("create table E (a int not null, b int)\nGO\ncreate index IX_E on E (b)\nGO\n"
-                       "alter table E add constraint PK_E primary key (a), constraint FK_E foreign key (b) references States (idState)",
+                       "alter table E add constraint PK_E primary key (a), constraint FK_E foreign key (b) references "
+                       "States (idState)",
                        "empty");
     QP_FAULT(engine_->Run("insert E values (1, 99)"), 547, Kind::Referenced);
     engine_->Run("drop index IX_E on E");
@@ -642,7 +691,8 @@ GO
     QP_FAULT(engine_->Run("create view v as select @x as d"), 137, Kind::Unknown);
     QP_FAULT(engine_->Run("select 1 as x create view v as select 1 as y"), 111, Kind::Syntax);
     QP_FAULT(engine_->Run("create procedure p as select @x as y"), 137, Kind::Unknown);
-    QP_FAULT(engine_->Run("create function f (@a int) returns int as begin delete Banks return 1 end"), 443, Kind::Refused);
+    QP_FAULT(engine_->Run("create function f (@a int) returns int as begin delete Banks return 1 end"), 443,
+             Kind::Refused);
 
     // a definition in a transaction goes with it
     engine_->Begin();
@@ -655,12 +705,15 @@ GO
 // Any tool can read and write the file: no function or collation of ours in the schema, and its checks still hold.
 void TestEmbedded::SchemaIsPlainSqlite()
 {
-    engine_->Run("create table X (d datetime default getdate(), i int default (1 + 1), c varchar(3) default left('abcd', 3), "
-                 "check (len(c) > 0 or c like 'x%'))");
-    engine_->RunScript("create view vX as select dateadd(month, 1, dateadd(day, 2, d)) as a, datediff(week, d, getdate()) as b, "
-                       "convert(varchar(10), d, 103) as e, cast(i as varchar(9)) + str(i) as f, round(i, -1) as g, "
-                       "charindex('a', c) as h, isnull(d, 0) as j, dbo.fnTwice(i) as k, case when c = 'ABC' then 1 end as l from X\nGO\n",
-                       "view");
+    engine_->Run(
+        "create table X (d datetime default getdate(), i int default (1 + 1), c varchar(3) default left('abcd', 3), "
+        "check (len(c) > 0 or c like 'x%'))");
+    engine_->RunScript(
+        "create view vX as select dateadd(month, 1, dateadd(day, 2, d)) as a, datediff(week, d, getdate()) as b, "
+        "convert(varchar(10), d, 103) as e, cast(i as varchar(9)) + str(i) as f, round(i, -1) as g, "
+        "charindex('a', c) as h, isnull(d, 0) as j, dbo.fnTwice(i) as k, case when c = 'ABC' then 1 end as l from "
+        "X\nGO\n",
+        "view");
     engine_.reset();
     sqlite3 *plain = nullptr;
     QCOMPARE(sqlite3_open(dir_->filePath("test.db").toUtf8().constData(), &plain), SQLITE_OK);
@@ -673,12 +726,15 @@ void TestEmbedded::SchemaIsPlainSqlite()
     };
     QCOMPARE(run("INSERT INTO X DEFAULT VALUES"), QString());
     QCOMPARE(run("INSERT INTO Banks (cCode) VALUES ('from a tool')"), "CHECK constraint failed: cx_length_cCode");
-    QCOMPARE(run("INSERT INTO Banks (cCode, iSmall) VALUES ('tool', 'abc')"), "CHECK constraint failed: cx_type_iSmall");
-    QCOMPARE(run("INSERT INTO Banks (cCode, dFrom) VALUES ('tool', '1/1/2020')"), "CHECK constraint failed: cx_type_dFrom");
+    QCOMPARE(run("INSERT INTO Banks (cCode, iSmall) VALUES ('tool', 'abc')"),
+             "CHECK constraint failed: cx_type_iSmall");
+    QCOMPARE(run("INSERT INTO Banks (cCode, dFrom) VALUES ('tool', '1/1/2020')"),
+             "CHECK constraint failed: cx_type_dFrom");
     QCOMPARE(run("INSERT INTO Banks (cCode, bActive) VALUES ('ANZ', 2)"), "CHECK constraint failed: cx_type_bActive");
     QCOMPARE(run("INSERT INTO Banks (cCode) VALUES ('anz')"), "UNIQUE constraint failed: Banks.cCode");
     QCOMPARE(run("INSERT INTO Banks (cCode, dFrom) VALUES ('TOOL', '2020-01-01')"), QString());
-    for (const char *sql : {"SELECT * FROM vX", "SELECT * FROM vBanks", "PRAGMA integrity_check", "PRAGMA foreign_key_check"})
+    for (const char *sql :
+         {"SELECT * FROM vX", "SELECT * FROM vBanks", "PRAGMA integrity_check", "PRAGMA foreign_key_check"})
         QCOMPARE(run(sql), QString());
     sqlite3_stmt *statement = nullptr;
     sqlite3_prepare_v2(plain, "SELECT a IS NOT NULL, b, f, g, h, k, l FROM vX", -1, &statement, nullptr);
@@ -699,12 +755,16 @@ void TestEmbedded::PlansUseIndexes_data()
 {
     QTest::addColumn<QString>("query");
     QTest::addColumn<QString>("plan");
-    QTest::newRow("page by key") << "select top 100 * from vBanks where cCode >= :a and (cCode > :a or idBank > :id) order by cCode, idBank"
-                                 << "SEARCH B USING INDEX IX_Code (cCode>?), SEARCH S USING INTEGER PRIMARY KEY (rowid=?) LEFT-JOIN";
-    QTest::newRow("page backwards") << "select top 100 cCode from vBanks where cCode < :a order by cCode desc, idBank desc"
-                                    << "SEARCH B USING INDEX IX_Code (cCode<?)";
-    QTest::newRow("by key") << "select * from Banks where idBank = :id" << "SEARCH Banks USING INTEGER PRIMARY KEY (rowid=?)";
-    QTest::newRow("by text") << "select * from Banks where cCode = :c" << "SEARCH Banks USING INDEX IX_Code (cCode=?)";
+    QTest::newRow("page by key")
+        << "select top 100 * from vBanks where cCode >= :a and (cCode > :a or idBank > :id) order by cCode, idBank"
+        << "SEARCH B USING INDEX IX_Code (cCode>?), SEARCH S USING INTEGER PRIMARY KEY (rowid=?) LEFT-JOIN";
+    QTest::newRow("page backwards")
+        << "select top 100 cCode from vBanks where cCode < :a order by cCode desc, idBank desc"
+        << "SEARCH B USING INDEX IX_Code (cCode<?)";
+    QTest::newRow("by key") << "select * from Banks where idBank = :id"
+                            << "SEARCH Banks USING INTEGER PRIMARY KEY (rowid=?)";
+    QTest::newRow("by text") << "select * from Banks where cCode = :c"
+                             << "SEARCH Banks USING INDEX IX_Code (cCode=?)";
     QTest::newRow("by two columns") << "select * from Links where iBank = :a and iNo = :b"
                                     << "SEARCH Links USING INDEX sqlite_autoindex_Links_1 (iBank=? AND iNo=?)";
     QTest::newRow("beginning of a text") << "select * from Banks where cCode like 'A%'"
@@ -761,19 +821,22 @@ create procedure spOuter @n int as
     select @r as r, @m as m, @n + 1 as n
     return @r + 10
 GO
-)", "procedures");
+)",
+                       "procedures");
     QVariantMap in{{"cCode", "N1"}, {"dFrom", QDate(2022, 3, 4)}, {"idBank", QVariant()}, {"CMESSAGE", QString()}};
     QCOMPARE(engine_->Call("dbo.spAdd", in), 0);
     QCOMPARE(in["idBank"], QVariant(4));
     QCOMPARE(in["CMESSAGE"], QVariant("VIC"));
     QCOMPARE(Show("select iState, dFrom from Banks where idBank = 4"), "2|2022-03-04");
 
-    QVariantMap taken{{"cCode", "n1   much too long"}, {"idBank", 77}, {"cMessage", ""}}; // a parameter is cut to its length
+    QVariantMap taken{
+        {"cCode", "n1   much too long"}, {"idBank", 77}, {"cMessage", ""}}; // a parameter is cut to its length
     QCOMPARE(engine_->Call("spAdd", taken), 1);
     QCOMPARE(taken["cMessage"], QVariant("The code n1    is ta"));
     QCOMPARE(taken["idBank"], QVariant(77));
 
-    const Outcome outer = engine_->Run("declare @x int exec @x = spOuter 5 select * from States where idState = @x - 8");
+    const Outcome outer =
+        engine_->Run("declare @x int exec @x = spOuter 5 select * from States where idState = @x - 8");
     QCOMPARE(Shown(outer.rows), "3|QLD");
     QCOMPARE(Show("exec spOuter @n = :n", {{"n", 1}}), "1|The code O1 is taken|2");
 
@@ -791,39 +854,71 @@ void TestEmbedded::ProceduralStatements_data()
     QTest::addColumn<QString>("batch");
     QTest::addColumn<QString>("rows");
     const char *const rows[][3] = {
-        {"while", "declare @i int, @s varchar(20) = '' set @i = 0 while @i < 10 begin set @i = @i + 1 if @i = 3 continue if @i > 5 break "
-         "set @s = @s + cast(@i as varchar(2)) end select @s as s", "1245"},
-        {"if else chain", "if 1 = 2 select 1 as x else if exists (select * from Banks) select 2 as x else select 3 as x", "2"},
+        {"while",
+         "declare @i int, @s varchar(20) = '' set @i = 0 while @i < 10 begin set @i = @i + 1 if @i = 3 continue if @i "
+         "> 5 break "
+         "set @s = @s + cast(@i as varchar(2)) end select @s as s",
+         "1245"},
+        {"if else chain",
+         "if 1 = 2 select 1 as x else if exists (select * from Banks) select 2 as x else select 3 as x", "2"},
         {"null condition", "declare @n int if @n = 1 select 1 as x else select 2 as x", "2"},
-        {"select assigns the last row", "declare @c varchar(10), @i int select @c = cCode, @i = idBank from Banks order by idBank select "
-         "@c as c, @i as i", "CBA|3"},
-        {"select without rows leaves the variable", "declare @c varchar(10) = 'x' select @c = cCode from Banks where idBank = 99 select @c as c",
-         "x"},
+        {"select assigns the last row",
+         "declare @c varchar(10), @i int select @c = cCode, @i = idBank from Banks order by idBank select "
+         "@c as c, @i as i",
+         "CBA|3"},
+        {"select without rows leaves the variable",
+         "declare @c varchar(10) = 'x' select @c = cCode from Banks where idBank = 99 select @c as c", "x"},
         {"assignments in order", "declare @a int, @b int select @a = 1, @b = @a + 1 select @b as b", "2"},
-        {"variable's type", "declare @c varchar(3), @d datetime, @i int, @b bit select @c = 'abcdef', @d = '20200101', @i = '7', @b = 5 select "
-         "@c as c, @d + 1 as d, @i / 2 as i, @b as b", "abc|2020-01-02|3|true"},
+        {"variable's type",
+         "declare @c varchar(3), @d datetime, @i int, @b bit select @c = 'abcdef', @d = '20200101', @i = '7', @b = 5 "
+         "select "
+         "@c as c, @d + 1 as d, @i / 2 as i, @b as b",
+         "abc|2020-01-02|3|true"},
         {"rowcount", "update Banks set iSmall = 1 where idBank < 3 select @@rowcount as n", "2"},
         {"rowcount of a select", "declare @x int select @x = idBank from Banks select @@rowcount as n", "3"},
-        {"catch", "begin try insert Banks (cCode) values ('anz') end try begin catch select error_number() as n, left(error_message(), 13) as "
-         "m end catch", "2601|Cannot insert"},
-        {"catch keeps what came before", "begin try insert Banks (cCode) values ('new') insert Banks (cCode) values ('anz') end try begin "
-         "catch select count(*) as n from Banks end catch", "4"},
-        {"raiserror", "begin try raiserror('%s has %d of %d%%', 16, 1, 'x', 5, 10) end try begin catch select error_message() as m, "
-         "error_number() as n end catch", "x has 5 of 10%|50000"},
+        {"catch",
+         "begin try insert Banks (cCode) values ('anz') end try begin catch select error_number() as n, "
+         "left(error_message(), 13) as "
+         "m end catch",
+         "2601|Cannot insert"},
+        {"catch keeps what came before",
+         "begin try insert Banks (cCode) values ('new') insert Banks (cCode) values ('anz') end try begin "
+         "catch select count(*) as n from Banks end catch",
+         "4"},
+        {"raiserror",
+         "begin try raiserror('%s has %d of %d%%', 16, 1, 'x', 5, 10) end try begin catch select error_message() as m, "
+         "error_number() as n end catch",
+         "x has 5 of 10%|50000"},
         {"raiserror of information", "raiserror('only said', 10, 1) select 1 as x", "1"},
-        {"throw", "begin try throw 51000, 'thrown', 1 end try begin catch select error_number() as n end catch", "51000"},
-        {"rethrow", "begin try begin try select 1 / 0 as x end try begin catch; throw end catch end try begin catch select error_number() as n "
-         "end catch", "8134"},
+        {"throw", "begin try throw 51000, 'thrown', 1 end try begin catch select error_number() as n end catch",
+         "51000"},
+        {"rethrow",
+         "begin try begin try select 1 / 0 as x end try begin catch; throw end catch end try begin catch select "
+         "error_number() as n "
+         "end catch",
+         "8134"},
         {"return ends a batch", "select 1 as x return select 2 as x", "1"},
-        {"temporary table", "create table #t (id int identity(1,1), c varchar(9)) insert #t (c) select cCode from Banks order by idBank desc "
-         "update #t set c = c + '!' where id = 1 select id, c from #t where c > 'B' order by id drop table #t", "1|CBA!; 2|BNK"},
-        {"table variable", "declare @t table (id int primary key, c varchar(9)) insert into @t select idBank, cCode from Banks delete @t where "
-         "id = 1 select t.c from @t t inner join Banks b on b.idBank = t.id order by t.c", "BNK; CBA"},
-        {"cursor", "declare @s varchar(50), @c varchar(9) set @s = '' declare k cursor local fast_forward for select cCode from Banks order by "
-         "cCode open k fetch next from k into @c while @@fetch_status = 0 begin set @s = @s + @c fetch next from k into @c end close k "
-         "deallocate k select @s as s", "ANZBNKCBA"},
+        {"temporary table",
+         "create table #t (id int identity(1,1), c varchar(9)) insert #t (c) select cCode from Banks order by idBank "
+         "desc "
+         "update #t set c = c + '!' where id = 1 select id, c from #t where c > 'B' order by id drop table #t",
+         "1|CBA!; 2|BNK"},
+        {"table variable",
+         "declare @t table (id int primary key, c varchar(9)) insert into @t select idBank, cCode from Banks delete @t "
+         "where "
+         "id = 1 select t.c from @t t inner join Banks b on b.idBank = t.id order by t.c",
+         "BNK; CBA"},
+        {"cursor",
+         "declare @s varchar(50), @c varchar(9) set @s = '' declare k cursor local fast_forward for select cCode from "
+         "Banks order by "
+         "cCode open k fetch next from k into @c while @@fetch_status = 0 begin set @s = @s + @c fetch next from k "
+         "into @c end close k "
+         "deallocate k select @s as s",
+         "ANZBNKCBA"},
         {"scope identity", "insert Banks (cCode) values ('i1') select scope_identity() as a, @@identity as b", "4|4"},
-        {"transaction count", "declare @a int begin tran begin transaction select @a = @@trancount commit commit select @a as a, @@trancount as b",
+        {"transaction count",
+         "declare @a int begin tran begin transaction select @a = @@trancount commit commit select @a as a, "
+         "@@trancount as b",
          "2|0"},
         {"rollback in a batch", "begin tran delete Links rollback select count(*) as n from Links", "3"},
         {"print is silent", "print 'x' + 'y' select 1 as x", "1"},
@@ -843,8 +938,10 @@ void TestEmbedded::ProceduralStatements()
 
 void TestEmbedded::RecursionEnds()
 {
-    engine_->RunScript("create procedure spLoop @n int as begin declare @t table (i int) insert @t values (@n) set @n = @n + 1 exec spLoop @n "
-                       "end\nGO\ncreate function fnFac (@n int) returns bigint as begin if @n < 2 return 1 return @n * dbo.fnFac(@n - 1) end\n"
+    engine_->RunScript("create procedure spLoop @n int as begin declare @t table (i int) insert @t values (@n) set @n "
+                       "= @n + 1 exec spLoop @n "
+                       "end\nGO\ncreate function fnFac (@n int) returns bigint as begin if @n < 2 return 1 return @n * "
+                       "dbo.fnFac(@n - 1) end\n"
                        "GO\ncreate function fnSelf (@n int) returns int as begin return dbo.fnSelf(@n) end\n",
                        "recursion");
     QP_FAULT(engine_->Run("exec spLoop 1"), 217, Kind::Other);
@@ -856,8 +953,10 @@ void TestEmbedded::RecursionEnds()
 
 void TestEmbedded::Transactions()
 {
-    engine_->RunScript("create procedure spTran @fail int as begin begin tran insert Banks (cCode) values ('T1') if @fail = 1 raiserror("
-                       "'failed', 16, 1) commit end\nGO\n", "p");
+    engine_->RunScript("create procedure spTran @fail int as begin begin tran insert Banks (cCode) values ('T1') if "
+                       "@fail = 1 raiserror("
+                       "'failed', 16, 1) commit end\nGO\n",
+                       "p");
     QVariantMap fails{{"fail", 1}};
     QVariantMap works{{"fail", 0}};
     QP_FAULT(engine_->Call("spTran", fails), 50000, Kind::Raised); // its own transaction goes with it
@@ -900,12 +999,14 @@ void TestEmbedded::StatementCache()
     QCOMPARE(Show("select * from States where idState = 1"), "1|NSW");
     engine_->Run("alter table States add cMore varchar(3) default 'm'");
     QCOMPARE(Show("select * from States where idState = 1"), "1|NSW|m");
-    engine_->RunScript("drop function fnTwice\nGO\ncreate function fnTwice (@n int) returns int as begin return @n * 3 end", "f");
+    engine_->RunScript(
+        "drop function fnTwice\nGO\ncreate function fnTwice (@n int) returns int as begin return @n * 3 end", "f");
     QCOMPARE(Show("select dbo.fnTwice(2) as n"), "6");
 
     auto small = Engine::Open(dir_->filePath("test.db"), {1000, 3});
     for (int i = 0; i < 20; ++i)
-        QCOMPARE(Shown(small->Run(QStringLiteral("select %1 + :a as x").arg(i), {{"a", 1}}).rows), QString::number(i + 1));
+        QCOMPARE(Shown(small->Run(QStringLiteral("select %1 + :a as x").arg(i), {{"a", 1}}).rows),
+                 QString::number(i + 1));
     small->ClearTranslations();
     QCOMPARE(Shown(small->Run("select 5 as x").rows), "5");
 }
@@ -913,13 +1014,16 @@ void TestEmbedded::StatementCache()
 void TestEmbedded::ScriptErrorsNameTheirLine()
 {
     try {
-        engine_->RunScript("select 1 as x\ngo\n\ncreate table A (i int)\n GO \ninsert A values (1)\n\ninsert A valus (2)\nGO\ndrop table A\n", "make.sql");
+        engine_->RunScript("select 1 as x\ngo\n\ncreate table A (i int)\n GO \ninsert A values (1)\n\ninsert A valus "
+                           "(2)\nGO\ndrop table A\n",
+                           "make.sql");
         QFAIL("no error");
     } catch (const Error &error) {
         QCOMPARE(error.text, "make.sql: Incorrect syntax near 'valus' (line 8, column 10).");
         QCOMPARE(error.line, 8);
     }
-    QCOMPARE(Show("select count(*) as n from A"), "0"); // the batch before the error stands, the one with it did not begin
+    QCOMPARE(Show("select count(*) as n from A"),
+             "0"); // the batch before the error stands, the one with it did not begin
 }
 
 QTEST_GUILESS_MAIN(TestEmbedded)

@@ -19,8 +19,7 @@ using Kind = Error::Kind;
 namespace {
 
 // Runs in a process of its own, which may break its limits or die; gives its exit status as waitpid does.
-template <typename Work>
-int InChild(Work work)
+template <typename Work> int InChild(Work work)
 {
     const pid_t child = fork();
     if (child == 0) {
@@ -79,7 +78,8 @@ void TestEmbeddedFiles::init()
 {
     dir_ = std::make_unique<QTemporaryDir>();
     file_ = dir_->filePath("data base%20é.db"); // a name that is no plain URI
-    Engine::Create(file_)->Run("create table T (id int identity(1,1) primary key, c varchar(max), n int) insert T (c, n) values ('first', 1)");
+    Engine::Create(file_)->Run(
+        "create table T (id int identity(1,1) primary key, c varchar(max), n int) insert T (c, n) values ('first', 1)");
 }
 
 void TestEmbeddedFiles::CreateAndOpen()
@@ -169,8 +169,8 @@ void TestEmbeddedFiles::ReadersDoNotWait()
 void TestEmbeddedFiles::ReadOnlyFile()
 {
     QVERIFY(QFile::setPermissions(file_, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
-    QVERIFY(QFile::setPermissions(dir_->path(), QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup | QFile::ExeGroup
-                                                     | QFile::ReadOther | QFile::ExeOther));
+    QVERIFY(QFile::setPermissions(dir_->path(), QFile::ReadOwner | QFile::ExeOwner | QFile::ReadGroup |
+                                                    QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther));
     // permissions say nothing to root
     const int status = InChild([this] {
         if (geteuid() == 0 && setuid(65534) != 0)
@@ -180,7 +180,10 @@ void TestEmbeddedFiles::ReadOnlyFile()
             return 1;
         if (FaultOf([&] { engine->Run("update T set n = 9"); }) != std::pair(3906, Kind::ReadOnly))
             return 2;
-        if (FaultOf([&] { engine->Begin(); engine->Run("delete T"); }) != std::pair(3906, Kind::ReadOnly))
+        if (FaultOf([&] {
+                engine->Begin();
+                engine->Run("delete T");
+            }) != std::pair(3906, Kind::ReadOnly))
             return 3;
         return 0;
     });
@@ -191,7 +194,8 @@ void TestEmbeddedFiles::ReadOnlyFile()
     QCOMPARE(WEXITSTATUS(status), 0);
 }
 
-// A file may grow to a limit, as on a full disk: the error is told, the transaction is as InTransaction says, nothing is lost.
+// A file may grow to a limit, as on a full disk: the error is told, the transaction is as InTransaction says, nothing
+// is lost.
 void TestEmbeddedFiles::DiskFull()
 {
     const int status = InChild([this] {
@@ -233,10 +237,12 @@ void TestEmbeddedFiles::KilledWriterLeavesOldOrNew()
 {
     {
         auto engine = Engine::Open(file_);
-        engine->RunScript("create table P (id int primary key, n int not null)\nGO\ncreate table Q (id int primary key, n int not null)\nGO\n"
-                          "insert P values (1, 0) insert Q values (1, 0)\nGO\n"
-                          "create procedure spSave @n int as begin begin tran update P set n = @n update Q set n = @n commit end",
-                          "kill");
+        engine->RunScript(
+            "create table P (id int primary key, n int not null)\nGO\ncreate table Q (id int primary key, n int not "
+            "null)\nGO\n"
+            "insert P values (1, 0) insert Q values (1, 0)\nGO\n"
+            "create procedure spSave @n int as begin begin tran update P set n = @n update Q set n = @n commit end",
+            "kill");
     }
     qlonglong before = 0;
     for (int round = 0; round < 12; ++round) {
