@@ -118,8 +118,10 @@ void TqsValueEdit::Assign(double value)
 
 void TqsValueEdit::Reformat()
 {
+    const QString shown = Format(value_, hasFocus() && !isReadOnly());
     formatting_ = true;
-    setText(Format(value_, hasFocus() && !isReadOnly()));
+    if (text() != shown)
+        setText(shown);
     lastText_ = text();
     formatting_ = false;
 }
@@ -159,8 +161,9 @@ void TqsValueEdit::focusInEvent(QFocusEvent *event)
 {
     QLineEdit::focusInEvent(event);
     const Qt::FocusReason reason = event->reason();
-    if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason)
-        return; // the focus comes back to a number that is being typed
+    const bool backAgain = reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason;
+    if (backAgain && text() != Format(value_, false))
+        return; // to a number that is being typed
     Reformat();
     if (reason != Qt::MouseFocusReason)
         selectAll();
