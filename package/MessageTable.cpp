@@ -27,22 +27,54 @@ namespace {
 
 using TListEntry = void (*)(bool Modal, TList *SelectedList, bool MultiSelect);
 using TDialogEntry = void (*)(int Id, bool Copy);
+using TIntegersEntry = void (*)(int First, int Second);
 using TPlainEntry = void (*)();
 using TPointerEntry = void (*)(void *Object);
 
 // How a message's parameters are used. An entry without its operation belongs to a screen that is not part of this build.
-struct List { TListEntry open = nullptr; };       // P1 modal, P2 list, never multi-select
-struct SelectList { TListEntry open = nullptr; }; // multi-select, the list emptied, when the list holds an entry
-struct MultiList { TListEntry open = nullptr; };  // always multi-select, the list as it is
-struct FilteredSelection { TListEntry open = nullptr; }; // as SelectList, but nothing at all without an entry
-struct Dialog { TDialogEntry open = nullptr; };   // P1 record id, P2 copy flag
-struct Plain { TPlainEntry open = nullptr; };     // no parameters
-struct Pointer { TPointerEntry open = nullptr; }; // P1 an object of the caller's
-struct ByCountry {                                // no parameters; nothing in any other country
+// P1 modal, P2 list, never multi-select
+struct List {
+    TListEntry open = nullptr;
+};
+// P1 modal, P2 list; when the list holds an entry: multi-select, and the list is emptied
+struct SelectList {
+    TListEntry open = nullptr;
+};
+// P1 modal, P2 list as it is, always multi-select
+struct MultiList {
+    TListEntry open = nullptr;
+};
+// as SelectList, but without an entry in the list nothing at all
+struct FilteredSelection {
+    TListEntry open = nullptr;
+};
+// P1 record id, P2 copy flag
+struct Dialog {
+    TDialogEntry open = nullptr;
+};
+// the same, another dialog in Australia than elsewhere
+struct DialogByCountry {
+    TDialogEntry australia = nullptr;
+    TDialogEntry elsewhere = nullptr;
+    TDialogEntry ForCountry() const { return CountryCode == kAustralia ? australia : elsewhere; }
+};
+// P1 and P2 as they are
+struct Integers {
+    TIntegersEntry open = nullptr;
+};
+// P1 an object of the caller's
+struct Pointer {
+    TPointerEntry open = nullptr;
+};
+// no parameters
+struct Plain {
+    TPlainEntry open = nullptr;
+};
+// no parameters; nothing in any country but the three
+struct PlainByCountry {
     TPlainEntry australia = nullptr;
     TPlainEntry newZealand = nullptr;
     TPlainEntry other = nullptr;
-
     TPlainEntry ForCountry() const
     {
         switch (CountryCode) {
@@ -58,7 +90,17 @@ struct ByCountry {                                // no parameters; nothing in a
     }
 };
 
-using TUse = std::variant<List, SelectList, MultiList, FilteredSelection, Dialog, Plain, Pointer, ByCountry>;
+using TUse = std::variant<List, SelectList, MultiList, FilteredSelection, Dialog, DialogByCountry, Integers, Pointer,
+                          Plain, PlainByCountry>;
+
+// The operation that a row opens in this installation; nullptr when there is none.
+template <class Use> auto EntryOf(const Use &use)
+{
+    if constexpr (requires { use.ForCountry(); })
+        return use.ForCountry();
+    else
+        return use.open;
+}
 
 struct TMessageRow {
     uint message;
@@ -79,7 +121,7 @@ constexpr TMessageRow kMessages[] = {
     {9237, "DoSFSSScalesMaintenance", List{DoSFSSScalesMaintenance}},
     {9238, "DoSFSSScalesAdd", Dialog{DoSFSSScalesAdd}},
     {9240, "DoEFTMaintenance", List{}},
-    {9241, "DoEFTAdd, DoCompanyBankAdd", Dialog{}},
+    {9241, "DoEFTAdd, DoCompanyBankAdd", DialogByCountry{}},
     {9243, "DoTaxScalesMaintenance", List{DoTaxScalesMaintenance}},
     {9244, "DoTaxScalesAdd", Dialog{DoTaxScalesAdd}},
     {9249, "DoContractHoursMaintenance", List{}},
@@ -87,7 +129,7 @@ constexpr TMessageRow kMessages[] = {
     {9252, "DoHECSScalesMaintenance", List{DoHECSScalesMaintenance}},
     {9253, "DoHECSScalesAdd", Dialog{DoHECSScalesAdd}},
     {9255, "DoTaxParameters",
-     ByCountry{IPTaxParametersDlg::DoTaxParameters, IPTaxParametersNZDlg::DoTaxParameters,
+     PlainByCountry{IPTaxParametersDlg::DoTaxParameters, IPTaxParametersNZDlg::DoTaxParameters,
                IPTaxParametersOtherDlg::DoTaxParameters}},
     {9256, "DoPayerGroupsMaintenance", List{}},
     {9257, "DoPayerGroupsAdd", Dialog{}},
@@ -126,7 +168,7 @@ constexpr TMessageRow kMessages[] = {
     {9338, "DoSuperCategoryAdd", Dialog{}},
     {9348, "DoAllowanceDeductionMaintenance", List{}},
     {9349, "DoAllowancesDeductionsAdd", Dialog{}},
-    {9379, "DoIPSigDatesMaintenance", SelectList{}},
+    {9379, "DoIPSigDatesMaintenance", MultiList{}},
     {9380, "DoIPSigDatesAdd", Dialog{}},
     {9390, "DoCreditorMaintenance", List{}},
     {9391, "DoCreditorAdd", Dialog{}},
@@ -148,7 +190,7 @@ constexpr TMessageRow kMessages[] = {
     {9441, "DoCompanyGroupAdd", Dialog{}},
     {9443, "DoIPWorkPatternMaintenance", List{}},
     {9444, "DoWorkPatternAddEdit", Dialog{}},
-    {9451, "DoAwardPayClassEdit", Dialog{}},
+    {9451, "DoAwardPayClassEdit", Integers{}},
     {9453, "DoSTP2OtherAllowanceDescMaintenance", List{}},
     {9454, "DoSTP2OtherAllowanceDescAdd", Dialog{}},
 };
@@ -164,11 +206,7 @@ const TMessageRow *FindMessage(uint MsgId)
     return found != std::end(kMessages) && found->message == MsgId ? found : nullptr;
 }
 
-TList *AsList(qlonglong Param2)
-{
-    return reinterpret_cast<TList *>(qintptr(Param2));
-}
-
+// Opens what a row names, with the parameters used as the row's type says. Gives false when nothing was opened.
 class TDispatcher
 {
 public:
@@ -178,63 +216,45 @@ public:
     {
     }
 
-    bool operator()(const List &use) const
+    template <class Use> bool operator()(const Use &use) const
     {
-        if (use.open)
-            use.open(Modal(), AsList(param2_), false);
-        return use.open != nullptr;
-    }
-    bool operator()(const SelectList &use) const
-    {
-        if (use.open)
-            use.open(Modal(), AsList(param2_), TakeSelection());
-        return use.open != nullptr;
-    }
-    bool operator()(const MultiList &use) const
-    {
-        if (use.open)
-            use.open(Modal(), AsList(param2_), true);
-        return use.open != nullptr;
-    }
-    bool operator()(const FilteredSelection &use) const
-    {
-        if (!use.open || !TakeSelection())
-            return false;
-        use.open(Modal(), AsList(param2_), true);
-        return true;
-    }
-    bool operator()(const Dialog &use) const
-    {
-        if (use.open)
-            use.open(int(param1_), param2_ != 0);
-        return use.open != nullptr;
-    }
-    bool operator()(const Plain &use) const
-    {
-        if (use.open)
-            use.open();
-        return use.open != nullptr;
-    }
-    bool operator()(const Pointer &use) const
-    {
-        if (use.open)
-            use.open(reinterpret_cast<void *>(qintptr(param1_)));
-        return use.open != nullptr;
-    }
-    bool operator()(const ByCountry &use) const
-    {
-        const TPlainEntry open = use.ForCountry();
-        if (open)
-            open();
-        return open != nullptr;
+        const auto entry = EntryOf(use);
+        return entry && Open(use, entry);
     }
 
 private:
+    bool Open(const List &, TListEntry entry) const { return Run(entry, Modal(), SelectedList(), false); }
+    bool Open(const SelectList &, TListEntry entry) const
+    {
+        return Run(entry, Modal(), SelectedList(), TakeSelection());
+    }
+    bool Open(const MultiList &, TListEntry entry) const { return Run(entry, Modal(), SelectedList(), true); }
+    bool Open(const FilteredSelection &, TListEntry entry) const
+    {
+        return TakeSelection() && Run(entry, Modal(), SelectedList(), true);
+    }
+    bool Open(const Dialog &, TDialogEntry entry) const { return Run(entry, int(param1_), param2_ != 0); }
+    bool Open(const DialogByCountry &, TDialogEntry entry) const { return Run(entry, int(param1_), param2_ != 0); }
+    bool Open(const Integers &, TIntegersEntry entry) const { return Run(entry, int(param1_), int(param2_)); }
+    bool Open(const Pointer &, TPointerEntry entry) const
+    {
+        return Run(entry, reinterpret_cast<void *>(qintptr(param1_)));
+    }
+    bool Open(const Plain &, TPlainEntry entry) const { return Run(entry); }
+    bool Open(const PlainByCountry &, TPlainEntry entry) const { return Run(entry); }
+
+    template <class Entry, class... Args> static bool Run(Entry entry, Args... args)
+    {
+        entry(args...);
+        return true;
+    }
+
     bool Modal() const { return param1_ != 0; }
+    TList *SelectedList() const { return reinterpret_cast<TList *>(qintptr(param2_)); }
     // The entries in a list only say that a selection is asked for; it goes to the screen empty.
     bool TakeSelection() const
     {
-        TList *list = AsList(param2_);
+        TList *list = SelectedList();
         if (!list || list->Count() == 0)
             return false;
         list->Clear();
@@ -256,14 +276,5 @@ bool DispatchMessage(uint MsgId, qlonglong Param1, qlonglong Param2)
 bool IsDispatched(uint MsgId)
 {
     const TMessageRow *row = FindMessage(MsgId);
-    if (!row)
-        return false;
-    return std::visit(
-        [](const auto &use) {
-            if constexpr (std::is_same_v<std::decay_t<decltype(use)>, ByCountry>)
-                return use.ForCountry() != nullptr;
-            else
-                return use.open != nullptr;
-        },
-        row->use);
+    return row && std::visit([](const auto &use) { return EntryOf(use) != nullptr; }, row->use);
 }
