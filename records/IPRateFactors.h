@@ -10,8 +10,7 @@ class CORVEX_API TqryIPRateFactors final : public TCorvexADOQuery
 public:
     explicit TqryIPRateFactors(QObject *owner = nullptr)
         : TCorvexADOQuery("_iptblRateFactors", "idRateFactor", Keys::Server, owner)
-    {
-    }
+    {}
 
     TEXT_COLUMN(Code, "cCode", 10)
     TEXT_COLUMN(Description, "cDescription", 50)

@@ -10,8 +10,7 @@ class CORVEX_API TqryIPRateTypes : public TCorvexADOQuery
 public:
     explicit TqryIPRateTypes(QObject *owner = nullptr)
         : TqryIPRateTypes("_iptblRateTypes", "idRateType", owner)
-    {
-    }
+    {}
 
     TEXT_COLUMN(Code, "cCode", 10)
     TEXT_COLUMN(Description, "cDescription", 50)
@@ -28,8 +27,7 @@ public:
 protected:
     TqryIPRateTypes(const QString &table, const QString &keyField, QObject *owner)
         : TCorvexADOQuery(table, keyField, Keys::Server, owner)
-    {
-    }
+    {}
 };
 
 // A version of a rate type, for reading: versions are written by their procedure.
@@ -39,8 +37,7 @@ class CORVEX_API TqryIPRateTypeVersions final : public TqryIPRateTypes
 public:
     explicit TqryIPRateTypeVersions(QObject *owner = nullptr)
         : TqryIPRateTypes("[dbo].[_ipfnGetRateTypes]('18991230',1,1,1)", "idRateTypeTD", owner)
-    {
-    }
+    {}
 
     INT_COLUMN(RateType, "idRateType")
     BOOL_COLUMN(System, "bSystem")

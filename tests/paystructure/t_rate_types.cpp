@@ -77,7 +77,18 @@ QStringList Chain(const QString &code)
     return chain;
 }
 
-QLineEdit &Edit(QDialog &dialog, const char *name)
+// A record with two versions in the past, one in force and one to come, whenever the test runs. Gives their ids.
+QList<int> AddDated()
+{
+    const QDate today = QDate::currentDate();
+    const int master = NewMaster("DATED");
+    QList<int> ids;
+    for (const auto &[days, rate] : {std::pair{-800, 16.5}, {-400, 17.2}, {-100, 17.9}, {200, 18.6}})
+        ids += Apply(Add, master, 0, today.addDays(days), rate).version;
+    return ids;
+}
+
+QLineEdit &Box(QDialog &dialog, const char *name)
 {
     return FindControl<QLineEdit>(&dialog, name);
 }
@@ -151,9 +162,9 @@ void t_rate_types::addSavesTheFirstVersion()
         QCOMPARE(FocusName(dialog), "edtCode");
         QVERIFY(FindControl<QCheckBox>(&dialog, "chkActive").isChecked());
         QVERIFY(!FindControl<QWidget>(&dialog, "rbAward").isVisible());
-        Type(Edit(dialog, "edtCode"), " NEW ");
-        Type(Edit(dialog, "edtDescription"), "New one ");
-        Type(Edit(dialog, "edtFixedRate"), "12.3456");
+        Type(Box(dialog, "edtCode"), " NEW ");
+        Type(Box(dialog, "edtDescription"), "New one ");
+        Type(Box(dialog, "edtFixedRate"), "12.3456");
         FindControl<QComboBox>(&dialog, "cbxGrouping").setCurrentIndex(1);
         EffectiveDate(dialog).SetDate(QDate(2024, 2, 29)); // no date checks for a new record
         PressOK(dialog);
@@ -175,6 +186,7 @@ void t_rate_types::addSavesTheFirstVersion()
              (QList<QStringList>{{"Rate Type", "NEW", "Added"}}));
 }
 
+// clang-format off
 void t_rate_types::requiredFields_data()
 {
     QTest::addColumn<QString>("code");
@@ -182,25 +194,14 @@ void t_rate_types::requiredFields_data()
     QTest::addColumn<bool>("formula");
     QTest::addColumn<QString>("message");
     QTest::addColumn<QString>("focus");
-    QTest::newRow("taken") << "spare"
-                           << "" << true << "The Rate Type already exists."
-                           << "edtCode";
-    QTest::newRow("apostrophe") << "A'B"
-                                << "" << true << "The Rate Type Code is invalid!"
-                                << "edtCode";
-    QTest::newRow("no code") << " "
-                             << "" << true << "The Code may not be blank."
-                             << "edtCode";
-    QTest::newRow("no description") << "X"
-                                    << " " << true << "The Description may not be blank."
-                                    << "edtDescription";
-    QTest::newRow("no formula") << "X"
-                                << "x" << true << "Please select a Formula."
-                                << "cbxFormula";
-    QTest::newRow("nothing") << "X"
-                             << "x" << false << ""
-                             << "";
+    QTest::newRow("taken") << "spare" << "" << true << "The Rate Type already exists." << "edtCode";
+    QTest::newRow("apostrophe") << "A'B" << "" << true << "The Rate Type Code is invalid!" << "edtCode";
+    QTest::newRow("no code") << " " << "" << true << "The Code may not be blank." << "edtCode";
+    QTest::newRow("no description") << "X" << " " << true << "The Description may not be blank." << "edtDescription";
+    QTest::newRow("no formula") << "X" << "x" << true << "Please select a Formula." << "cbxFormula";
+    QTest::newRow("nothing") << "X" << "x" << false << "" << "";
 }
+// clang-format on
 
 void t_rate_types::requiredFields()
 {
@@ -212,8 +213,8 @@ void t_rate_types::requiredFields()
     TWorld world;
     TUserScript script;
     script.Dialog(kForm, [&](QDialog &dialog) {
-        Type(Edit(dialog, "edtCode"), code);
-        Type(Edit(dialog, "edtDescription"), description);
+        Type(Box(dialog, "edtCode"), code);
+        Type(Box(dialog, "edtDescription"), description);
         if (formula)
             FindControl<QRadioButton>(&dialog, "rbFormula").click();
         PressOK(dialog);
@@ -231,6 +232,7 @@ void t_rate_types::requiredFields()
     QCOMPARE(RowsOf("select idRateTypeTD from _iptblRateTypes_TD").size(), before + (message.isEmpty() ? 1 : 0));
 }
 
+// clang-format off
 void t_rate_types::dateChecks_data()
 {
     QTest::addColumn<QString>("code");
@@ -257,28 +259,29 @@ void t_rate_types::dateChecks_data()
     };
     const QString before = QString::fromUtf8("The Effective Date cannot be before the current period’s start date %1.");
     // NIGHT: posted up to the fortnight that ended on 17/11/2026, unposted in the current one.
-    QTest::newRow("duplicate before used, unposted, early")
-        << "NIGHT" << QDate(2025, 7, 1) << false << duplicate("NIGHT", Day(1, 7, 2025));
-    QTest::newRow("used before unposted and early")
-        << "NIGHT" << QDate(2026, 9, 1) << false << used("NIGHT", Day(18, 11, 2026));
-    QTest::newRow("used, on the last day of a posted period")
-        << "NIGHT" << QDate(2026, 11, 17) << true << used("NIGHT", Day(18, 11, 2026));
-    QTest::newRow("unposted, on the first day after")
-        << "NIGHT" << QDate(2026, 11, 18) << false << current("NIGHT", Day(2, 12, 2026));
-    QTest::newRow("unposted, on the last day of the period")
-        << "NIGHT" << QDate(2026, 12, 1) << false << current("NIGHT", Day(2, 12, 2026));
+    QTest::newRow("duplicate before used, unposted, early") << "NIGHT" << QDate(2025, 7, 1) << false
+        << duplicate("NIGHT", Day(1, 7, 2025));
+    QTest::newRow("used before unposted and early") << "NIGHT" << QDate(2026, 9, 1) << false
+        << used("NIGHT", Day(18, 11, 2026));
+    QTest::newRow("used, on the last day of a posted period") << "NIGHT" << QDate(2026, 11, 17) << true
+        << used("NIGHT", Day(18, 11, 2026));
+    QTest::newRow("unposted, on the first day after") << "NIGHT" << QDate(2026, 11, 18) << false
+        << current("NIGHT", Day(2, 12, 2026));
+    QTest::newRow("unposted, on the last day of the period") << "NIGHT" << QDate(2026, 12, 1) << false
+        << current("NIGHT", Day(2, 12, 2026));
     QTest::newRow("after the period") << "NIGHT" << QDate(2026, 12, 2) << false << "";
     QTest::newRow("previous years count") << "OT20" << QDate(2026, 3, 11) << true << used("OT20", Day(12, 3, 2026));
-    QTest::newRow("previous years, advice no earlier than the period")
-        << "OT20" << QDate(2026, 3, 11) << false << used("OT20", Day(1, 11, 2026));
+    QTest::newRow("previous years, advice no earlier than the period") << "OT20" << QDate(2026, 3, 11) << false
+        << used("OT20", Day(1, 11, 2026));
     // Nobody's: the earliest current period of all.
     QTest::newRow("early") << "SPARE" << QDate(2026, 10, 31) << false << before.arg(Day(1, 11, 2026));
     QTest::newRow("first day of the period, with backpay") << "SPARE" << QDate(2026, 11, 1) << true << "";
     // WET is given to a fortnightly employee, so the month does not count for it.
-    QTest::newRow("early, by the holder's period")
-        << "WET" << QDate(2026, 11, 17) << false << before.arg(Day(18, 11, 2026));
+    QTest::newRow("early, by the holder's period") << "WET" << QDate(2026, 11, 17) << false
+        << before.arg(Day(18, 11, 2026));
     QTest::newRow("early with backpay") << "SPARE" << QDate(2026, 10, 31) << true << "";
 }
+// clang-format on
 
 void t_rate_types::dateChecks()
 {
@@ -322,8 +325,8 @@ void t_rate_types::newEffectiveDateJoinsTheChain()
     QWidget &list = world.OpenList();
     TUserScript script;
     script.Dialog(kForm, [](QDialog &dialog) {
-        QCOMPARE(Edit(dialog, "edtFixedRate").text(), "17.9000");
-        Type(Edit(dialog, "edtFixedRate"), "18.25");
+        QCOMPARE(Box(dialog, "edtFixedRate").text(), "17.9000");
+        Type(Box(dialog, "edtFixedRate"), "18.25");
         EffectiveDate(dialog).SetDate(QDate(2027, 1, 1));
         PressOK(dialog);
     });
@@ -333,10 +336,11 @@ void t_rate_types::newEffectiveDateJoinsTheChain()
     QCOMPARE(Chain("FIRSTAID"),
              (QStringList{"16.5 2024-07-01..2025-06-30", "17.2 2025-07-01..2026-06-30", "17.9 2026-07-01..2026-12-31",
                           "18.25 2027-01-01..2027-06-30", "18.6 2027-07-01.."}));
-    QCOMPARE(ValueOf("select fRate from _iptblRateTypes where cCode = 'FIRSTAID'").toDouble(), 17.9);
+    QCOMPARE(ChainFaults(), QStringList());
     QCOMPARE(Grid(list).FocusedKey(), Version("FIRSTAID", QDate(2027, 1, 1)));
 }
 
+// clang-format off
 void t_rate_types::editLocks_data()
 {
     QTest::addColumn<QString>("code");
@@ -344,21 +348,19 @@ void t_rate_types::editLocks_data()
     QTest::addColumn<bool>("backpay");
     QTest::addColumn<QString>("open"); // controls that may be changed
     QTest::addColumn<QString>("focus");
-    QTest::newRow("posted") << "FIRSTAID" << QDate(2026, 7, 1) << false << "edtDescription"
-                            << "edtDescription";
-    QTest::newRow("unposted, the code stays open") << "NIGHT" << QDate(2026, 7, 1) << false << "edtCode edtDescription"
-                                                   << "edtCode";
-    QTest::newRow("not used, in force before the period")
-        << "SPARE" << QDate(2026, 7, 1) << false << "edtDescription edtFixedRate"
-        << "edtDescription";
-    QTest::newRow("not used, with backpay")
-        << "SPARE" << QDate(2026, 7, 1) << true << "edtDescription edtFixedRate edtEffectiveDate"
-        << "edtDescription";
-    QTest::newRow("future") << "REMOTE" << QDate(2027, 1, 1) << false << "edtDescription edtFixedRate edtEffectiveDate"
-                            << "edtDescription";
+    QTest::newRow("posted") << "FIRSTAID" << QDate(2026, 7, 1) << false << "edtDescription" << "edtDescription";
+    QTest::newRow("unposted, the code stays open") << "NIGHT" << QDate(2026, 7, 1) << false
+        << "edtCode edtDescription" << "edtCode";
+    QTest::newRow("not used, in force before the period") << "SPARE" << QDate(2026, 7, 1) << false
+        << "edtDescription edtFixedRate" << "edtDescription";
+    QTest::newRow("not used, with backpay") << "SPARE" << QDate(2026, 7, 1) << true
+        << "edtDescription edtFixedRate edtEffectiveDate" << "edtDescription";
+    QTest::newRow("future") << "REMOTE" << QDate(2027, 1, 1) << false
+        << "edtDescription edtFixedRate edtEffectiveDate" << "edtDescription";
     QTest::newRow("award") << "CLERK2" << QDate(2025, 7, 1) << true << "edtDescription edtEffectiveDate"
-                           << "edtDescription";
+        << "edtDescription";
 }
+// clang-format on
 
 void t_rate_types::editLocks()
 {
@@ -378,7 +380,7 @@ void t_rate_types::editLocks()
                 found += name;
         }
         QCOMPARE(found.join(' '), open);
-        QCOMPARE(Edit(dialog, "edtCode").font().bold(), !open.contains("edtCode"));
+        QCOMPARE(Box(dialog, "edtCode").font().bold(), !open.contains("edtCode"));
         QCOMPARE(FocusName(dialog), focus);
         QCOMPARE(FindControl<QWidget>(&dialog, "pnlAward").isVisible(), code == "CLERK2");
         PressCancel(dialog);
@@ -397,7 +399,7 @@ void t_rate_types::editMovesAVersion()
                     EffectiveDate(dialog).SetDate(QDate(2026, 7, 1));
                     PressOK(dialog);
                     EffectiveDate(dialog).SetDate(QDate(2027, 3, 1));
-                    Type(Edit(dialog, "edtFixedRate"), "19");
+                    Type(Box(dialog, "edtFixedRate"), "19");
                     FindControl<TqsLookupCombo>(&dialog, "edtChangeReason").SetKey(2);
                     PressOK(dialog);
                 })
@@ -426,7 +428,7 @@ void t_rate_types::otherUsersChange()
     script
         .Dialog(kForm,
                 [&](QDialog &dialog) {
-                    Type(Edit(dialog, "edtDescription"), "Mine");
+                    Type(Box(dialog, "edtDescription"), "Mine");
                     MainConnection().Execute("update _iptblRateTypes_TD set fRate = 99 where idRateTypeTD = :id",
                                              {{"id", version}});
                     PressOK(dialog);
@@ -439,7 +441,7 @@ void t_rate_types::otherUsersChange()
     script
         .Dialog(kForm,
                 [&](QDialog &dialog) {
-                    Type(Edit(dialog, "edtDescription"), "Again");
+                    Type(Box(dialog, "edtDescription"), "Again");
                     MainConnection().Execute("update _iptblRateTypes_TD set iChangeType = 3 where idRateTypeTD = :id",
                                              {{"id", version}});
                     PressOK(dialog);
@@ -491,9 +493,9 @@ void t_rate_types::payClassesFollowTheVersionId()
     TUserScript script;
     script.Dialog(kForm, [&](QDialog &dialog) {
         QCOMPARE(FindControl<TqsNumberEdit>(&dialog, "edtFixedRate").Decimals(), decimals);
-        Type(Edit(dialog, "edtFixedRate"), "22.35");
+        Type(Box(dialog, "edtFixedRate"), "22.35");
         if (checksFail)
-            Type(Edit(dialog, "edtDescription"), "");
+            Type(Box(dialog, "edtDescription"), "");
         PressOK(dialog);
         if (checksFail)
             PressCancel(dialog);
@@ -521,7 +523,7 @@ void t_rate_types::kinds()
                      FindControl<QWidget>(&dialog, "cbxFormula").isVisible()
                          ? FindControl<QLabel>(&dialog, "lblFormula").text()
                          : "-",
-                     Edit(dialog, "edtFixedRate").text());
+                     Box(dialog, "edtFixedRate").text());
         };
         QCOMPARE(state(), "&Fixed Rate - 21.0000");
         FindControl<QRadioButton>(&dialog, "rbFormula").click();
@@ -535,11 +537,11 @@ void t_rate_types::kinds()
 
     script.Dialog(kForm, [](QDialog &dialog) {
         QCOMPARE(FindControl<QLabel>(&dialog, "lblFixedRate").text(), "Percentage");
-        QCOMPARE(Edit(dialog, "edtFixedRate").text(), "102.50%");
+        QCOMPARE(Box(dialog, "edtFixedRate").text(), "102.50%");
         QVERIFY(FindControl<QRadioButton>(&dialog, "rbAward").isVisible());
         QVERIFY(!FindControl<QRadioButton>(&dialog, "rbFixed").isEnabled());
-        QCOMPARE(Edit(dialog, "edtAwardCode").text(), "CLERKS");
-        Type(Edit(dialog, "edtDescription"), "Clerk two");
+        QCOMPARE(Box(dialog, "edtAwardCode").text(), "CLERKS");
+        Type(Box(dialog, "edtDescription"), "Clerk two");
         PressOK(dialog);
     });
     QVERIFY(SendToPackage(kDialog, Version("CLERK2")));
@@ -559,7 +561,7 @@ void t_rate_types::systemRate()
     TUserScript script;
     script.Box("The selected Rate Type can not be modified as it is a system record.")
         .Dialog(kForm, [](QDialog &dialog) {
-            Type(Edit(dialog, "edtDescription"), "Changed");
+            Type(Box(dialog, "edtDescription"), "Changed");
             PressOK(dialog);
         });
     QVERIFY(SendToPackage(kDialog, Version("NORMAL")));
@@ -570,7 +572,7 @@ void t_rate_types::systemRate()
     // A copy of it is nobody's but the user's.
     script.Dialog(kForm, [](QDialog &dialog) {
         QCOMPARE(dialog.windowTitle(), "Copy Rate Type \"NORMAL\"");
-        Type(Edit(dialog, "edtCode"), "NORMAL2");
+        Type(Box(dialog, "edtCode"), "NORMAL2");
         PressOK(dialog);
     });
     QVERIFY(SendToPackage(kDialog, Version("NORMAL"), 1));
@@ -597,6 +599,7 @@ void t_rate_types::awardRefusals()
     QVERIFY(Version("CLERK2") != 0);
 }
 
+// clang-format off
 void t_rate_types::deletes_data()
 {
     QTest::addColumn<QString>("code");
@@ -612,28 +615,26 @@ void t_rate_types::deletes_data()
         "Unable to delete this record as employees or components have been assigned Rate \"%1\" effective within the "
         "date range of this occurrence (%2 to %3).";
     QTest::newRow("system") << "SPARE" << QDate(2026, 7, 1)
-                            << "update _iptblRateTypes set bSystem = 1 where cCode = 'SPARE'"
-                            << "System Rates cannot be deleted!";
-    QTest::newRow("posted transactions, though held") << "FIRSTAID" << QDate(2026, 7, 1) << "" << used.arg("FIRSTAID");
-    QTest::newRow("previous years' transactions, though the only one")
-        << "OT20" << QDate(2024, 7, 1) << "" << used.arg("OT20");
+        << "update _iptblRateTypes set bSystem = 1 where cCode = 'SPARE'" << "System Rates cannot be deleted!";
+    QTest::newRow("posted transactions, though held") << "FIRSTAID" << QDate(2026, 7, 1) << ""
+        << used.arg("FIRSTAID");
+    QTest::newRow("previous years' transactions, though the only one") << "OT20" << QDate(2024, 7, 1) << ""
+        << used.arg("OT20");
     QTest::newRow("only one, in a pay class") << "TOOLS" << QDate(2025, 7, 1) << "" << only.arg("TOOLS");
     QTest::newRow("only one, in a leave type") << "LSL" << QDate(2024, 7, 1) << "" << only.arg("LSL");
     QTest::newRow("held at its time") << "FIRSTAID" << QDate(2025, 7, 1) << ""
-                                      << held.arg("FIRSTAID", Day(1, 7, 2025), Day(30, 6, 2026));
+        << held.arg("FIRSTAID", Day(1, 7, 2025), Day(30, 6, 2026));
     QTest::newRow("held, open end") << "FIRSTAID" << QDate(2027, 7, 1) << ""
-                                    << held.arg("FIRSTAID", Day(1, 7, 2027), "<No End Date>");
-    QTest::newRow("held before its time only") << "SICK" << QDate(2026, 7, 1) << ""
-                                               << "";
-    QTest::newRow("held until the day before")
-        << "FIRSTAID" << QDate(2027, 7, 1) << "update _iptblEmployeeAdditionalRates set dEndDate = '20270630'"
-        << "";
-    QTest::newRow("held until its first day")
-        << "FIRSTAID" << QDate(2027, 7, 1) << "update _iptblEmployeeAdditionalRates set dEndDate = '20270701'"
         << held.arg("FIRSTAID", Day(1, 7, 2027), "<No End Date>");
-    QTest::newRow("nobody's") << "WET" << QDate(2024, 7, 1) << ""
-                              << "";
+    QTest::newRow("held before its time only") << "SICK" << QDate(2026, 7, 1) << "" << "";
+    QTest::newRow("held until the day before") << "FIRSTAID" << QDate(2027, 7, 1)
+        << "update _iptblEmployeeAdditionalRates set dEndDate = '20270630'" << "";
+    QTest::newRow("held until its first day") << "FIRSTAID" << QDate(2027, 7, 1)
+        << "update _iptblEmployeeAdditionalRates set dEndDate = '20270701'"
+        << held.arg("FIRSTAID", Day(1, 7, 2027), "<No End Date>");
+    QTest::newRow("nobody's") << "WET" << QDate(2024, 7, 1) << "" << "";
 }
+// clang-format on
 
 void t_rate_types::deletes()
 {
@@ -683,6 +684,7 @@ void t_rate_types::deleteKeepsTheChain()
 void t_rate_types::listShowsPastValues()
 {
     TWorld world;
+    const QList<int> versions = AddDated();
     QWidget &list = world.OpenList();
     const auto count = [&list](const char *code) {
         int rows = 0;
@@ -691,13 +693,13 @@ void t_rate_types::listShowsPastValues()
         return rows;
     };
     QCOMPARE(Grid(list).model()->headerData(1, Qt::Horizontal).toString(), "Code");
-    QCOMPARE(count("FIRSTAID"), 2); // in force and future
-    QCOMPARE(count("NORMAL"), 0);   // system
-    QVERIFY(Grid(list).FocusKey(Version("FIRSTAID", QDate(2026, 7, 1))));
+    QCOMPARE(count("DATED"), 2);  // in force and future
+    QCOMPARE(count("NORMAL"), 0); // system
+    QVERIFY(Grid(list).FocusKey(versions[2]));
     FindControl<QCheckBox>(&list, "chkShowPastValues").click();
-    QCOMPARE(count("FIRSTAID"), 4);
-    QCOMPARE(Grid(list).FocusedKey(), Version("FIRSTAID", QDate(2026, 7, 1)));
-    QVERIFY(Grid(list).FocusKey(Version("FIRSTAID", QDate(2027, 7, 1))));
+    QCOMPARE(count("DATED"), 4);
+    QCOMPARE(Grid(list).FocusedKey(), versions[2]);
+    QVERIFY(Grid(list).FocusKey(versions[3]));
     const auto shown = [&list](const QString &caption) {
         for (int column = 0; column < Grid(list).model()->columnCount(); ++column) {
             if (Grid(list).model()->headerData(column, Qt::Horizontal).toString() == caption)
@@ -708,8 +710,9 @@ void t_rate_types::listShowsPastValues()
     QCOMPARE(shown("End Date"), "<No End Date>");
     QCOMPARE(shown("Rate Type"), "Fixed");
     QCOMPARE(shown("Fixed Rate"), "18.6000");
-    QCOMPARE(shown("Change Reason"), "Annual review");
-    QCOMPARE(shown("Created by Agent"), "Tom Whitlock");
+    QCOMPARE(shown("Created by Agent"), "Administrator");
+    QVERIFY(Grid(list).FocusKey(Version("NIGHT")));
+    QCOMPARE(shown("Change Reason"), "Enterprise agreement");
     for (const char *hidden : {"Award Code", "Award Name"}) {
         for (int column = 0; column < Grid(list).model()->columnCount(); ++column) {
             if (Grid(list).model()->headerData(column, Qt::Horizontal).toString() == QLatin1String(hidden))
@@ -721,11 +724,12 @@ void t_rate_types::listShowsPastValues()
 void t_rate_types::timeline()
 {
     TWorld world;
+    const QList<int> versions = AddDated();
     QWidget &list = world.OpenList();
     ShowActive(list);
     auto &timeline = FindControl<TVersionTimeline>(&list, "pnlTimeline");
     QVERIFY(timeline.isVisible());
-    QVERIFY(Grid(list).FocusKey(Version("FIRSTAID", QDate(2026, 7, 1))));
+    QVERIFY(Grid(list).FocusKey(versions[2]));
     auto &table = FindControl<QTableWidget>(&list, "grdVersions");
     QCOMPARE(table.rowCount(), 4);
     QCOMPARE(timeline.Version(), Grid(list).FocusedKey());
@@ -740,13 +744,13 @@ void t_rate_types::timeline()
     PressKey(strip, Qt::Key_Left);
     QVERIFY(FindControl<QLabel>(&list, "lblVersionDetail").text().contains("17.2000"));
     QCOMPARE(strip.accessibleDescription(), FindControl<QLabel>(&list, "lblVersionDetail").text());
-    QCOMPARE(Grid(list).FocusedKey(), Version("FIRSTAID", QDate(2026, 7, 1)));
+    QCOMPARE(Grid(list).FocusedKey(), versions[2]);
     PressKey(strip, Qt::Key_Return);
     QVERIFY(FindControl<QCheckBox>(&list, "chkShowPastValues").isChecked());
-    QCOMPARE(Grid(list).FocusedKey(), Version("FIRSTAID", QDate(2025, 7, 1)));
+    QCOMPARE(Grid(list).FocusedKey(), versions[1]);
     // By mouse to the last one.
     QTest::mouseClick(&strip, Qt::LeftButton, {}, QPoint(strip.width() - 20, 18));
-    QCOMPARE(Grid(list).FocusedKey(), Version("FIRSTAID", QDate(2027, 7, 1)));
+    QCOMPARE(Grid(list).FocusedKey(), versions[3]);
 
     // A deleted version shows on demand, with who deleted it.
     QVERIFY(Grid(list).FocusKey(Version("SPARE", QDate(2026, 7, 1))));
@@ -840,10 +844,10 @@ void t_rate_types::randomWork()
         } else {
             script.Dialog(kForm, [&](QDialog &dialog) {
                 if (what == 0) {
-                    Type(Edit(dialog, "edtCode"), QString("C%1").arg(step));
-                    Type(Edit(dialog, "edtDescription"), "x");
+                    Type(Box(dialog, "edtCode"), QString("C%1").arg(step));
+                    Type(Box(dialog, "edtDescription"), "x");
                 }
-                Type(Edit(dialog, "edtFixedRate"), QString::number(step));
+                Type(Box(dialog, "edtFixedRate"), QString::number(step));
                 EffectiveDate(dialog).SetDate(date);
                 PressOK(dialog);
                 if (taken)
@@ -868,6 +872,7 @@ void t_rate_types::randomWork()
     }
 }
 
+// clang-format off
 void t_rate_types::rateFactorChecks_data()
 {
     QTest::addColumn<QString>("code");
@@ -875,47 +880,16 @@ void t_rate_types::rateFactorChecks_data()
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("message");
     QTest::addColumn<QString>("focus");
-    QTest::newRow("taken") << "half"
-                           << ""
-                           << "0"
-                           << "The Rate Factor already exists!"
-                           << "edtCode";
-    QTest::newRow("apostrophe") << "A'B"
-                                << ""
-                                << "0"
-                                << "The Rate Factor Code is invalid!"
-                                << "edtCode";
-    QTest::newRow("no code") << ""
-                             << ""
-                             << "0"
-                             << "The Code may not be blank."
-                             << "edtCode";
-    QTest::newRow("no description") << "X"
-                                    << ""
-                                    << "0"
-                                    << "The Description may not be blank."
-                                    << "edtDescription";
-    QTest::newRow("nothing") << "X"
-                             << "x"
-                             << "0"
-                             << "The Rate Factor must be greater than 0!"
-                             << "edtRateFactor";
-    QTest::newRow("least") << "X"
-                           << "x"
-                           << "0.01"
-                           << ""
-                           << "0.01";
-    QTest::newRow("most") << "X"
-                          << "x"
-                          << "100"
-                          << ""
-                          << "100";
-    QTest::newRow("more cannot be typed") << "X"
-                                          << "x"
-                                          << "100.01"
-                                          << ""
-                                          << "100";
+    QTest::newRow("taken") << "half" << "" << "0" << "The Rate Factor already exists!" << "edtCode";
+    QTest::newRow("apostrophe") << "A'B" << "" << "0" << "The Rate Factor Code is invalid!" << "edtCode";
+    QTest::newRow("no code") << "" << "" << "0" << "The Code may not be blank." << "edtCode";
+    QTest::newRow("no description") << "X" << "" << "0" << "The Description may not be blank." << "edtDescription";
+    QTest::newRow("nothing") << "X" << "x" << "0" << "The Rate Factor must be greater than 0!" << "edtRateFactor";
+    QTest::newRow("least") << "X" << "x" << "0.01" << "" << "0.01";
+    QTest::newRow("most") << "X" << "x" << "100" << "" << "100";
+    QTest::newRow("more cannot be typed") << "X" << "x" << "100.01" << "" << "100";
 }
+// clang-format on
 
 void t_rate_types::rateFactorChecks()
 {
@@ -928,9 +902,9 @@ void t_rate_types::rateFactorChecks()
     TUserScript script;
     script.Dialog("TfrmIPRateFactorAddDlg", [&](QDialog &dialog) {
         QCOMPARE(dialog.windowTitle(), "Add New Rate Factor");
-        Type(Edit(dialog, "edtCode"), code);
-        Type(Edit(dialog, "edtDescription"), description);
-        Type(Edit(dialog, "edtRateFactor"), value);
+        Type(Box(dialog, "edtCode"), code);
+        Type(Box(dialog, "edtDescription"), description);
+        Type(Box(dialog, "edtRateFactor"), value);
         PressOK(dialog);
         if (message.isEmpty())
             return;
@@ -951,18 +925,17 @@ void t_rate_types::rateFactorChecks()
     QCOMPARE(world.control.TakeLog(), "9286:" + saved[0][0]);
 }
 
+// clang-format off
 void t_rate_types::rateFactorDelete_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QString>("description");
     QTest::addColumn<bool>("used");
-    QTest::newRow("time and a half") << "HALF"
-                                     << "Time and a half" << true;
-    QTest::newRow("double") << "DOUBLE"
-                            << "Double time" << true;
-    QTest::newRow("nobody's") << "QUARTER"
-                              << "Time and a quarter" << false;
+    QTest::newRow("time and a half") << "HALF" << "Time and a half" << true;
+    QTest::newRow("double") << "DOUBLE" << "Double time" << true;
+    QTest::newRow("nobody's") << "QUARTER" << "Time and a quarter" << false;
 }
+// clang-format on
 
 void t_rate_types::rateFactorDelete()
 {

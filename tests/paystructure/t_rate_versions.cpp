@@ -1,45 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <QRandomGenerator>
 
-#include "framework/data/CorvexADOQuery.h"
 #include "tests/paystructure/VersionChains.h"
 
 namespace {
-
-enum Change { Add = 1, Edit = 2, Delete = 3 };
-enum Result { Done = 0, DoneWithMessage = 1, Refused = 2 };
-
-struct TOutcome
-{
-    int result = 0;
-    int version = 0;
-    QString message;
-};
-
-// One change of a version, as a screen makes it: the values go into the master row first.
-TOutcome Apply(Change change, int master, int version, const QDate &date, double rate = 0)
-{
-    if (change != Delete)
-        MainConnection().Execute("update _iptblRateTypes set fRate = :rate where idRateType = :id",
-                                 {{"rate", rate}, {"id", master}});
-    TCorvexADOStoredProc update("_ipspUpdateRateTypes_TD");
-    update.SetParam("@iRateTypeID", master);
-    update.SetInOutParam("@iRateTypeTDID", version);
-    update.SetParam("@dEffectiveDate", date);
-    update.SetParam("@iAgentID", 1);
-    update.SetParam("@iChangeReasonID", QVariant(QMetaType(QMetaType::Int)));
-    update.SetParam("@iChangeType", int(change));
-    update.SetParam("@iAwardTDID", 0);
-    update.SetInOutParam("@cMessage", QString(""));
-    update.kvExecProc(false);
-    return {update.ReturnValue(), update.Param("@iRateTypeTDID").toInt(), update.Param("@cMessage").toString()};
-}
-
-int NewMaster(const QString &code)
-{
-    return MainConnection().Insert("insert _iptblRateTypes (cCode, cDescription) values (:code, 'Test')",
-                                   {{"code", code}});
-}
 
 // What the live versions of one record must be: nothing but their dates and rates, in order.
 using TChain = QMap<QDate, std::pair<int, double>>;
