@@ -11,7 +11,7 @@ struct TKind
     uint list, dialog, changed;
     const char *form, *grid;
     const char *scales, *scaleKey, *brackets, *bracketKey, *owner;
-    int functionId, listHelp, dialogHelp;
+    int dialogHelp;
     QStringList headings;
     QString added, edited, copied; // captions, of scale X
     QString saveFirst, deleteScale, deleteBracket;
@@ -31,8 +31,6 @@ const TKind &Kind(const QString &name)
                             "_iptblHECSBrackets",
                             "idHECSBrackets",
                             "iHECSScalesID",
-                            1913,
-                            104250,
                             104290,
                             {"Code", "Description", "Tax Year"},
                             "Add New STSL Scale",
@@ -53,8 +51,6 @@ const TKind &Kind(const QString &name)
                             "_iptblSFSSBrackets",
                             "idSFSSBrackets",
                             "iSFSSScalesID",
-                            1923,
-                            104350,
                             104390,
                             {"Code", "Description"},
                             "Add SFSS Scales",
@@ -139,8 +135,6 @@ void t_loan_scales::list()
     auto &grid = FindControl<TqsGrid>(&list, kind.grid);
     QCOMPARE(Shown(grid).first(), kind.headings);
     QCOMPARE(ShownCodes(grid), (QStringList{"A", "B"}));
-    QCOMPARE(list.property("systemFunctionId").toInt(), kind.functionId);
-    QTest::keyClick(&list, Qt::Key_F1);
     world.database.SetDefault("EndTaxYear", 2026);
     BroadcastChange(kind.changed, 0);
     world.control.Process();
@@ -153,7 +147,7 @@ void t_loan_scales::list()
     });
     Trigger(list, "mniMaintEdit");
     VERIFY_SCRIPT(script);
-    QCOMPARE(world.host.HelpContexts, (QList<int>{kind.listHelp, kind.dialogHelp}));
+    QCOMPARE(world.host.HelpContexts, QList<int>{kind.dialogHelp});
 }
 
 void t_loan_scales::captions()

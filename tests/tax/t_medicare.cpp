@@ -59,10 +59,6 @@ void t_medicare::list()
     auto &grid = FindControl<TqsGrid>(&list, "grdMedicareScales");
     QCOMPARE(Shown(grid).first(), (QStringList{"Code", "Description"}));
     QCOMPARE(ShownCodes(grid), (QStringList{"2", "6"}));
-    QCOMPARE(list.windowTitle(), "Medicare Maintenance");
-    QCOMPARE(list.property("systemFunctionId").toInt(), 1917);
-    QTest::keyClick(&list, Qt::Key_F1);
-    QCOMPARE(world.host.HelpContexts, QList<int>{104300});
     world.database.SetDefault("EndTaxYear", 2026);
     BroadcastChange(9230, 0);
     world.control.Process();

@@ -60,7 +60,6 @@ private Q_SLOTS:
     void australianValuesAreSaved();
     void missingYearGetsZeros();
     void percentagesEndAt100();
-    void preservationAges();
     void newZealandValuesAndGrids();
     void newZealandGridRules();
     void newYearOfNewZealand();
@@ -186,24 +185,6 @@ void t_tax_parameters::percentagesEndAt100()
     SendToPackage(kParameters);
     VERIFY_SCRIPT(script);
     QCOMPARE(texts, (QStringList{"100", "100", "1000"}));
-}
-
-void t_tax_parameters::preservationAges()
-{
-    TTaxWorld world;
-    QStringList texts;
-    TUserScript script;
-    script.Dialog(kAu, [&](QDialog &dialog) {
-        for (const QLabel *label : FindControl<QWidget>(&dialog, "pnlPreservationAges").findChildren<QLabel *>())
-            texts += label->text();
-        PressCancel(dialog);
-    });
-    SendToPackage(kParameters);
-    VERIFY_SCRIPT(script);
-    QCOMPARE(texts,
-             (QStringList{"Date Of Birth", "Preservation Age ", "Before 01/07/1960", "55", "01/07/1960 - 30/06/1961",
-                          "56", "01/07/1961 - 30/06/1962", "57", "01/07/1962 - 30/06/1963", "58",
-                          "01/07/1963 - 30/06/1964", "59", "After 30/06/1964", "60"}));
 }
 
 void t_tax_parameters::newZealandValuesAndGrids()

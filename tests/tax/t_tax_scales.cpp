@@ -78,9 +78,6 @@ void t_tax_scales::listColumns()
     TTaxWorld world(country);
     QWidget &list = world.OpenList(kList);
     QTEST(Shown(Grid(list)).first(), "headings");
-    QCOMPARE(list.property("systemFunctionId").toInt(), 1930);
-    QTest::keyClick(&list, Qt::Key_F1);
-    QCOMPARE(world.host.HelpContexts, QList<int>{104400});
 }
 
 void t_tax_scales::listShowsCountryAndYear()
