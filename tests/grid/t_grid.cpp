@@ -367,11 +367,13 @@ private Q_SLOTS:
             QTest::keyClick(grid.get(), Qt::Key_Down);
         QCOMPARE(grid->FocusedKey(), all[300]);
         QVERIFY(IsFocusVisible(*grid));
-        int before = 300;
+        int before = 300, page = 0;
         for (int i = 0; i < 200; ++i) {
             QTest::keyClick(grid.get(), Qt::Key_PageDown);
             const int now = int(all.indexOf(grid->FocusedKey()));
             QVERIFY(now > before);
+            if (i < 100) // always a whole page
+                QCOMPARE(now - before, page ? page : page = now - before);
             before = now;
         }
         QVERIFY(before > 2100);
@@ -384,6 +386,18 @@ private Q_SLOTS:
         QTest::keyClick(grid.get(), Qt::Key_Down);
         QCOMPARE(grid->FocusedKey(), all[8]);
         QVERIFY(IsFocusVisible(*grid));
+
+        // A row chosen meanwhile is the focus, also when the former one is met again.
+        for (int i = 0; i < 60 && grid->currentIndex().isValid(); ++i)
+            Scroll(*grid, grid->verticalScrollBar()->maximum());
+        QVERIFY(!grid->currentIndex().isValid());
+        grid->setCurrentIndex(grid->model()->index(0, 0));
+        const int chosen = grid->FocusedKey();
+        QVERIFY(chosen != all[8]);
+        for (int i = 0; i < 200 && !Keys(*grid).contains(all[8]); ++i)
+            Scroll(*grid, 0);
+        QVERIFY(Keys(*grid).contains(all[8]));
+        QCOMPARE(grid->FocusedKey(), chosen);
     }
 
     // ---- keeping the place
@@ -418,6 +432,7 @@ private Q_SLOTS:
         db->Reset();
         grid->ReReadList(Source(table), false, 0);
         QVERIFY2(db->rows < 500, qPrintable(QString::number(db->rows)));
+        QVERIFY(table == "dbo.Many" || db->statements.size() == 1);
         Settle();
         QCOMPARE(grid->FocusedKey(), key);
         QCOMPARE(grid->currentIndex().column(), 3);
@@ -664,6 +679,9 @@ private Q_SLOTS:
         auto grid = Opened("dbo.Many", "cCode");
         const int key = KeysOf("select idItem from dbo.Many where cCode = 'NM00077745'").first();
         db->Reset();
+        QVERIFY(grid->FocusKey(Keys(*grid)[1500])); // in the window, out of sight
+        QVERIFY(IsFocusVisible(*grid));
+        db->Reset();
         QVERIFY(grid->Search("00077745", false));
         QVERIFY(db->rows < 500);
         QCOMPARE(grid->FocusedKey(), key);
@@ -735,16 +753,25 @@ private Q_SLOTS:
         QCOMPARE(grid->FocusedKey(), 5);
         QCOMPARE(failed.size(), 0);
         db->failing = true;
-        for (int i = 0; i < 5; ++i)
-            Scroll(*grid, grid->verticalScrollBar()->maximum());
+        for (const int above : {5, 0}) { // close to the window's end and at it
+            for (int i = 0; i < 5; ++i)
+                Scroll(*grid, grid->verticalScrollBar()->maximum() - above);
+        }
+        QCOMPARE(failed.size(), 1); // told once
         QTest::keyClick(grid.get(), Qt::Key_End);
+        QCOMPARE(failed.size(), 2);
         QCOMPARE(Keys(*grid), before);
-        QCOMPARE(failed.size(), 2); // scrolling tells it once, the key again
         db->failing = false;
         grid->ReReadList(Source("dbo.Many"), false, 0);
         Scroll(*grid, grid->verticalScrollBar()->maximum());
         Scroll(*grid, grid->verticalScrollBar()->maximum());
         QVERIFY(grid->model()->rowCount() > before.size());
+        db->failing = true;
+        QVERIFY(grid->model()->canFetchMore({}));
+        grid->model()->fetchMore({});
+        QCoreApplication::processEvents();
+        QCOMPARE(failed.size(), 3);
+        QVERIFY(!grid->model()->canFetchMore({}));
     }
 
     // ---- ticks
@@ -826,14 +853,14 @@ private Q_SLOTS:
         grid->horizontalHeader()->moveSection(1, 0);
         grid->SetColumnVisible(u"dDay", false);
         db->Execute("update dbo.Few set cName = :name where cCode = 'D4'",
-                    {{"name", QString::fromUtf8("M\u0101ori\r\nline")}});
+                    {{"name", QString::fromUtf8("M\u0101ori\nline")}});
         QBuffer file;
         QVERIFY(file.open(QIODevice::WriteOnly));
         grid->ExportCsv(file);
         QCOMPARE(QString::fromUtf8(file.data()),
                  QString::fromUtf8("\"Name, \"\"full\"\"\",Code,Group,Amount,Active,Notes\r\n"
                                    "apple pie,E5,2,3.00,No,\r\n"
-                                   "\"M\u0101ori\r\nline\",D4,,1234567.25,No,\r\n"
+                                   "\"M\u0101ori\nline\",D4,,1234567.25,No,\r\n"
                                    "\"100% _[x]\\ \"\"q\"\"\",C3,3,,Yes,\r\n"
                                    "O'Brien,B2,2,0.00,No,\r\n"
                                    "Apple,A1,1,12.50,Yes,Yes\r\n"));
