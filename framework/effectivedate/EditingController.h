@@ -78,9 +78,8 @@ public:
 
     // Which fields may change, and why not all of them, in words for the user ("" when nothing need be said).
     //  - a new effective date: all of them
-    //  - posted transactions fall into the version's time: neither its values nor its date; when it also ended before
-    //  the
-    //    current period, nothing but the change reason
+    //  - posted transactions fall into the version's time: neither its values nor its date
+    //  - and it ended before the current period: nothing but the change reason
     //  - unposted transactions fall into it: neither its values nor its date
     //  - it came into force before the current period: not its date, unless backpay is enabled
     struct TMayChange

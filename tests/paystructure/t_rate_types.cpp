@@ -349,6 +349,7 @@ void t_rate_types::editLocks_data()
     QTest::addColumn<QString>("open"); // controls that may be changed
     QTest::addColumn<QString>("focus");
     QTest::newRow("posted") << "FIRSTAID" << QDate(2026, 7, 1) << false << "edtDescription" << "edtDescription";
+    QTest::newRow("posted and ended") << "SICK" << QDate(2024, 7, 1) << false << "" << "edtChangeReason";
     QTest::newRow("unposted, the code stays open") << "NIGHT" << QDate(2026, 7, 1) << false
         << "edtCode edtDescription" << "edtCode";
     QTest::newRow("not used, in force before the period") << "SPARE" << QDate(2026, 7, 1) << false
@@ -371,6 +372,8 @@ void t_rate_types::editLocks()
     QFETCH(QString, focus);
     TWorld world;
     world.SetParameter("bBackpayEnabled", backpay);
+    MainConnection().Execute("insert _iptblEmployeeTransEOY (dTransDate, iRateTypeID) values ('20260311', :id)",
+                             {{"id", Master("SICK")}});
     TUserScript script;
     script.Dialog(kForm, [&](QDialog &dialog) {
         QCOMPARE(dialog.windowTitle(), QString("Edit Rate Type \"%1\"").arg(code));
