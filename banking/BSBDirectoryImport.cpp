@@ -16,7 +16,8 @@ constexpr int kNameLimit = 50;
 constexpr int kChunk = 200; // rows looked up by one statement
 constexpr qint64 kFileLimit = 64 * 1024 * 1024;
 
-struct TCsvRow {
+struct TCsvRow
+{
     int line = 0;
     QStringList fields;
 };
@@ -25,7 +26,9 @@ struct TCsvRow {
 class TCsvReader
 {
 public:
-    explicit TCsvReader(QString text) : text_(std::move(text)) {}
+    explicit TCsvReader(QString text)
+        : text_(std::move(text))
+    {}
 
     // The next row that is not empty; nothing at the end.
     std::optional<TCsvRow> Next()
@@ -47,10 +50,7 @@ public:
     }
 
 private:
-    QString Field()
-    {
-        return at_ < text_.size() && text_[at_] == QLatin1Char('"') ? Quoted() : Plain();
-    }
+    QString Field() { return at_ < text_.size() && text_[at_] == QLatin1Char('"') ? Quoted() : Plain(); }
 
     QString Plain()
     {
@@ -82,9 +82,8 @@ private:
 
     void CountLine()
     {
-        if (text_[at_] == QLatin1Char('\n')
-            || (text_[at_] == QLatin1Char('\r')
-                && (at_ + 1 >= text_.size() || text_[at_ + 1] != QLatin1Char('\n'))))
+        if (text_[at_] == QLatin1Char('\n') ||
+            (text_[at_] == QLatin1Char('\r') && (at_ + 1 >= text_.size() || text_[at_ + 1] != QLatin1Char('\n'))))
             ++line_;
     }
 
@@ -107,7 +106,8 @@ private:
 };
 
 // Where the columns of a file stand; -1 for one that it does not have.
-struct TLayout {
+struct TLayout
+{
     int bsb = 0;
     int institution = 1;
     int bankName = -1;
@@ -118,7 +118,8 @@ struct TLayout {
 };
 
 // A row of the file, read and checked.
-struct TBranch {
+struct TBranch
+{
     int line = 0;
     QString bsb;
     QString code;
@@ -128,7 +129,8 @@ struct TBranch {
     bool closed = false;
 };
 
-struct TStoredBank {
+struct TStoredBank
+{
     int id = 0;
     QString bankName;
     QString branchName;
@@ -155,8 +157,8 @@ QString Digits(const QString &text)
     return digits;
 }
 
-// A bank number in the format of the installation (0 a digit, 9 a digit or nothing, all else itself), whether or not the
-// file writes the separators; nothing when it does not fit.
+// A bank number in the format of the installation (0 a digit, 9 a digit or nothing, all else itself), whether or not
+// the file writes the separators; nothing when it does not fit.
 std::optional<QString> FormattedBSB(const QString &text, const QString &format)
 {
     const QString digits = Digits(text);
@@ -249,11 +251,12 @@ private:
             names.insert(row.fields[i].trimmed().toLower(), i);
         if (!names.contains(QStringLiteral("bsb"))) {
             const QString first = row.fields.first().trimmed();
-            if (row.fields.size() >= layout_.fields && Digits(first).size() >= 6
-                && Digits(first).size() >= first.size() - 1)
+            if (row.fields.size() >= layout_.fields && Digits(first).size() >= 6 &&
+                Digits(first).size() >= first.size() - 1)
                 return false;
-            throw TBSBFileError(QStringLiteral("The file is not a BSB directory: its first line names no \"bsb\" column "
-                                               "and does not begin with a BSB number."));
+            throw TBSBFileError(
+                QStringLiteral("The file is not a BSB directory: its first line names no \"bsb\" column "
+                               "and does not begin with a BSB number."));
         }
         QStringList missing;
         const auto column = [&](const QString &name, bool required) {
@@ -304,7 +307,8 @@ private:
             result_.refused.append({row.line, field(layout_.bsb), reason});
         };
         if (row.fields.size() < layout_.fields)
-            return refuse(QStringLiteral("The row has %1 fields; %2 are needed.").arg(row.fields.size()).arg(layout_.fields));
+            return refuse(
+                QStringLiteral("The row has %1 fields; %2 are needed.").arg(row.fields.size()).arg(layout_.fields));
         const std::optional<QString> bsb = FormattedBSB(field(layout_.bsb), format_);
         if (!bsb)
             return refuse(QStringLiteral("The BSB is not of the form %1.").arg(format_));
@@ -313,12 +317,13 @@ private:
 
         TBranch branch{row.line, *bsb, {}, {}, field(layout_.branchName), 0, false};
         const QString status = layout_.status >= 0 ? field(layout_.status) : branch.branchName;
-        branch.closed = status.compare(QLatin1StringView("merged"), Qt::CaseInsensitive) == 0
-            || status.compare(QLatin1StringView("closed"), Qt::CaseInsensitive) == 0;
+        branch.closed = status.compare(QLatin1StringView("merged"), Qt::CaseInsensitive) == 0 ||
+                        status.compare(QLatin1StringView("closed"), Qt::CaseInsensitive) == 0;
         if (!branch.closed) {
             const QString institution = field(layout_.institution);
-            branch.bankName = FittingName(layout_.bankName >= 0 ? field(layout_.bankName)
-                                                                : institutions_.value(institution.toUpper(), institution));
+            branch.bankName =
+                FittingName(layout_.bankName >= 0 ? field(layout_.bankName)
+                                                  : institutions_.value(institution.toUpper(), institution));
             branch.code = BSBBankCode(institution, *bsb);
             branch.stateID = states_.value(field(layout_.state).toUpper());
             if (branch.bankName.isEmpty())
@@ -382,8 +387,8 @@ private:
                 ++(known == stored.cend() ? result_.closed : result_.closedKept);
             else if (known == stored.cend())
                 Add(branch, takenCodes);
-            else if (known->bankName == branch.bankName && known->branchName == branch.branchName
-                     && known->stateID == branch.stateID)
+            else if (known->bankName == branch.bankName && known->branchName == branch.branchName &&
+                     known->stateID == branch.stateID)
                 ++result_.unchanged;
             else
                 Change(branch, known->id);
@@ -398,13 +403,14 @@ private:
             return;
         }
         takenCodes.insert(branch.code);
-        connection_.Execute(QStringLiteral("insert into _iptblBanks (cCode, cBankName, cBranchName, cBSBNumber, iStateID) "
-                                           "values (:code, :bank, :branch, :bsb, :state)"),
-                            {{QStringLiteral("code"), branch.code},
-                             {QStringLiteral("bank"), branch.bankName},
-                             {QStringLiteral("branch"), branch.branchName},
-                             {QStringLiteral("bsb"), branch.bsb},
-                             {QStringLiteral("state"), branch.stateID}});
+        connection_.Execute(
+            QStringLiteral("insert into _iptblBanks (cCode, cBankName, cBranchName, cBSBNumber, iStateID) "
+                           "values (:code, :bank, :branch, :bsb, :state)"),
+            {{QStringLiteral("code"), branch.code},
+             {QStringLiteral("bank"), branch.bankName},
+             {QStringLiteral("branch"), branch.branchName},
+             {QStringLiteral("bsb"), branch.bsb},
+             {QStringLiteral("state"), branch.stateID}});
         ++result_.added;
     }
 

@@ -46,9 +46,11 @@ public:
         memResult->setTabChangesFocus(true);
 
         TFormGroup &group = AddGroup("BSB Directory");
-        group.Note(lblHelp, "lblHelp",
-                   "Banks of the file that are not here yet are added, those with another name or state are brought up to "
-                   "date. Nothing is deleted. The file is a CSV file as published for the BSB directory.")
+        group
+            .Note(
+                lblHelp, "lblHelp",
+                "Banks of the file that are not here yet are added, those with another name or state are brought up to "
+                "date. Nothing is deleted. The file is a CSV file as published for the BSB directory.")
             .LabelledWidget(fileRow, "pnlFile", "&File")
             .Widget(prgImport, "prgImport")
             .Widget(memResult, "memResult");
@@ -103,16 +105,15 @@ private:
         QElapsedTimer sincePainted;
         sincePainted.start();
         try {
-            const TBSBImportResult result =
-                ImportBSBDirectory(MainConnection(), file, [&](qint64 done, qint64 total) {
-                    prgImport->setMaximum(int(total));
-                    prgImport->setValue(int(done));
-                    if (sincePainted.hasExpired(40) || done == total) {
-                        QCoreApplication::processEvents();
-                        sincePainted.restart();
-                    }
-                    return !cancelled_;
-                });
+            const TBSBImportResult result = ImportBSBDirectory(MainConnection(), file, [&](qint64 done, qint64 total) {
+                prgImport->setMaximum(int(total));
+                prgImport->setValue(int(done));
+                if (sincePainted.hasExpired(40) || done == total) {
+                    QCoreApplication::processEvents();
+                    sincePainted.restart();
+                }
+                return !cancelled_;
+            });
             ShowResult(result);
         } catch (const std::exception &error) {
             memResult->setPlainText("Nothing was imported.");
@@ -132,10 +133,10 @@ private:
         const auto line = [](const char *what, int count) {
             return QString("%1: %2\n").arg(QLatin1String(what), QLocale().toString(count));
         };
-        QString text = line("Added", result.added) + line("Changed", result.changed)
-                       + line("Unchanged", result.unchanged) + line("Closed or merged, not added", result.closed)
-                       + line("Closed or merged, kept as they are", result.closedKept)
-                       + line("Refused", int(result.refused.size()));
+        QString text = line("Added", result.added) + line("Changed", result.changed) +
+                       line("Unchanged", result.unchanged) + line("Closed or merged, not added", result.closed) +
+                       line("Closed or merged, kept as they are", result.closedKept) +
+                       line("Refused", int(result.refused.size()));
         for (const TBSBRefusedRow &row : result.refused)
             text += QString("Line %1, BSB \"%2\": %3\n").arg(row.line).arg(row.bsb, row.reason);
         memResult->setPlainText(text);

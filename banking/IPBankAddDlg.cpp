@@ -8,8 +8,14 @@
 
 namespace {
 
-constexpr TDialogFacts kBank{"TfrmIPBankAddDlg",   "Add / Edit Banks",    "Add New Bank", "Edit Bank \"%s\"",
-                             "Copy Bank \"%s\"", 101690, 9227,           "Bank"};
+constexpr TDialogFacts kBank{"TfrmIPBankAddDlg",
+                             "Add / Edit Banks",
+                             "Add New Bank",
+                             "Edit Bank \"%s\"",
+                             "Copy Bank \"%s\"",
+                             101690,
+                             9227,
+                             "Bank"};
 
 class TfrmIPBankAddDlg final : public TfrmCorvexDlg
 {
@@ -37,7 +43,8 @@ protected:
 
     void CheckCode(TChecks &check) override
     {
-        check(edtCode, [this] { return !OtherBank("cCode", edtCode->text().trimmed()); }, "Code already exists.");
+        check(
+            edtCode, [this] { return !OtherBank("cCode", edtCode->text().trimmed()); }, "Code already exists.");
         check(edtCode, NoApostrophe(edtCode), "The Bank Code is invalid!");
     }
 
@@ -50,8 +57,10 @@ protected:
         check(edtBSB, validBSB, "A valid BSB Number is required!");
         // An Australian bank without a name is told so even when something before it is wrong as well.
         if (CountryCode == kAustralia)
-            check.Override(edtBankName, NotBlank(edtBankName), FormatText("The %s may not be blank!", {BankNameCaption()}));
-        check(edtBSB, [&] { return !OtherBank("cBSBNumber", bsb); }, "The BSB Number already exists!");
+            check.Override(edtBankName, NotBlank(edtBankName),
+                           FormatText("The %s may not be blank!", {BankNameCaption()}));
+        check(
+            edtBSB, [&] { return !OtherBank("cBSBNumber", bsb); }, "The BSB Number already exists!");
     }
 
 private:

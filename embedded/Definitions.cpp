@@ -301,6 +301,16 @@ QString TranslateView(Catalogue &catalogue, const CreateViewStatement &statement
            worker.TranslateQuery(statement.query, Worker::Use::Derived).sql;
 }
 
+void CheckTableFunction(Catalogue &catalogue, const CreateFunctionStatement &statement)
+{
+    QHash<QString, Fragment> arguments;
+    for (const Parameter &parameter : statement.parameters)
+        arguments.insert(parameter.name, Atom(u"NULL"_s, parameter.type));
+    Worker worker(catalogue, nullptr, nullptr, false);
+    const Worker::Enter enter(worker, statement.name, statement.place, std::move(arguments));
+    worker.TranslateQuery(*statement.query, Worker::Use::Derived);
+}
+
 QList<Column> DescribeView(Catalogue &catalogue, const CreateViewStatement &statement)
 {
     Worker worker(catalogue, nullptr, nullptr, true);

@@ -21,7 +21,6 @@ void Prepare(Database &database)
 {
     database.Execute(u"PRAGMA foreign_keys = ON"_s);
     database.Execute(u"PRAGMA synchronous = FULL"_s); // a save that was reported survives the power's failure
-    database.Execute(u"PRAGMA recursive_triggers = OFF"_s);
     database.Execute(u"PRAGMA temp_store = MEMORY"_s);
     sqlite3_db_config(database.Handle(), SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     sqlite3_db_config(database.Handle(), SQLITE_DBCONFIG_DQS_DML, 0, nullptr); // "x" is a name and nothing else

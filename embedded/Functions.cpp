@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "embedded/Functions.h"
 
+#include <QLocale>
+
 #include <cmath>
 
 #include "embedded/Database.h"

@@ -86,6 +86,24 @@ struct Interpreter::Cursor
     bool open = false;
 };
 
+// One level of procedures within procedures.
+struct Interpreter::Nesting
+{
+    explicit Nesting(Interpreter &owner)
+        : interpreter(owner)
+    {
+        if (interpreter.depth_ >= kMaxCalls)
+            Fail(Error::Kind::Other, 217,
+                 u"Maximum stored procedure, function, trigger, or view nesting level exceeded (limit %1)."_s.arg(
+                     kMaxCalls));
+        ++interpreter.depth_;
+    }
+    ~Nesting() { --interpreter.depth_; }
+    Nesting(const Nesting &) = delete;
+    Nesting &operator=(const Nesting &) = delete;
+    Interpreter &interpreter;
+};
+
 // What a batch, procedure or function has of its own while it runs.
 struct Interpreter::Frame
 {
@@ -144,7 +162,7 @@ Outcome Interpreter::Run(const QString &batch, const QVariantMap &parameters, bo
     if (frame.variables.size() < program->undeclared.size()) {
         for (auto used = program->undeclared.constBegin(); used != program->undeclared.constEnd(); ++used) {
             if (!frame.variables.contains(used.key()))
-                Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(used.key()), used.value(), used.key());
+                Undeclared(used.key(), used.value());
         }
     }
     const int transactions = transactions_;
@@ -402,11 +420,20 @@ Interpreter::Compiled &Interpreter::Compile(Frame &frame, const void *node,
     std::erase_if(set.replaced, [](const auto &old) { return !sqlite3_stmt_busy(old->handle.get()); });
 
     auto compiled = std::make_unique<Compiled>();
-    Translator translator(
-        catalogue_, [&](const QString &name) { return Lookup(frame, name); },
-        [&](const QString &name) { return frame.tables.value(name); });
-    compiled->translation = translate(translator);
-    compiled->handle = database_.Prepare(compiled->translation.sql);
+    const auto prepare = [&] {
+        Translator translator(
+            catalogue_, [&](const QString &name) { return Lookup(frame, name); },
+            [&](const QString &name) { return frame.tables.value(name); });
+        compiled->translation = translate(translator);
+        compiled->handle = database_.Prepare(compiled->translation.sql);
+    };
+    try {
+        prepare();
+    } catch (const Error &) {
+        if (!SchemaMoved())
+            throw;
+        prepare();
+    }
     for (const Column &column : std::as_const(compiled->translation.columns))
         compiled->names.append(column.name);
     compiled->signature = sign(compiled->translation.variables);
@@ -416,6 +443,16 @@ Interpreter::Compiled &Interpreter::Compile(Frame &frame, const void *node,
         variants.erase(variants.begin());
     variants.push_back(std::move(compiled));
     return *variants.back();
+}
+
+// Whether another program has changed a definition since we last looked.
+bool Interpreter::SchemaMoved()
+{
+    const qlonglong version = database_.Execute(u"PRAGMA schema_version"_s).toLongLong();
+    if (std::exchange(schemaVersion_, version) == version)
+        return false;
+    catalogue_.Changed();
+    return true;
 }
 
 void Interpreter::Bind(Frame &frame, const Compiled &compiled)
@@ -495,12 +532,24 @@ QVariant Interpreter::Adopt(const Variable &value, const Type &target)
     return Evaluate(frame, expr, target);
 }
 
-void Interpreter::Assign(Frame &frame, const QString &name, const Variable &value)
+Variable &Interpreter::Declared(Frame &frame, const QString &name, Place place)
 {
     const auto variable = frame.variables.find(name);
     if (variable == frame.variables.end())
-        Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(name), {}, name);
-    variable->value = Adopt(value, variable->type);
+        Undeclared(name, place);
+    return *variable;
+}
+
+void Interpreter::Compute(Frame &frame, const QString &name, const Expr &expr)
+{
+    Variable &variable = Declared(frame, name, expr.place);
+    variable.value = Evaluate(frame, expr, variable.type);
+}
+
+void Interpreter::Assign(Frame &frame, const QString &name, const Variable &value)
+{
+    Variable &variable = Declared(frame, name, {});
+    variable.value = Adopt(value, variable.type);
 }
 
 // ---- statements
@@ -541,12 +590,7 @@ Interpreter::Flow Interpreter::RunStatement(Frame &frame, const Statement &state
         break;
     case Kind::Set: {
         const auto &set = static_cast<const SetStatement &>(statement);
-        const auto variable = frame.variables.constFind(set.variable);
-        if (variable == frame.variables.constEnd())
-            Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(set.variable), statement.place,
-                    set.variable);
-        const QVariant value = Evaluate(frame, *set.value, variable->type);
-        frame.variables[set.variable].value = value;
+        Compute(frame, set.variable, *set.value);
         break;
     }
     case Kind::SetOption: {
@@ -677,14 +721,8 @@ void Interpreter::RunSelect(Frame &frame, const SelectStatement &statement)
     const SelectCore &core = statement.query.arms.front();
     if (statement.assigns && core.from.empty() && !core.where && !core.top) {
         // one after the other, so that a later expression sees what an earlier one assigned
-        for (const SelectItem &item : core.items) {
-            const auto variable = frame.variables.constFind(item.assignedTo);
-            if (variable == frame.variables.constEnd())
-                Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(item.assignedTo), item.place,
-                        item.assignedTo);
-            const QVariant value = Evaluate(frame, *item.expr, variable->type);
-            frame.variables[item.assignedTo].value = value;
-        }
+        for (const SelectItem &item : core.items)
+            Compute(frame, item.assignedTo, *item.expr);
         rowCount_ = 1;
         return;
     }
@@ -752,10 +790,8 @@ void Interpreter::RunDeclare(Frame &frame, const DeclareStatement &statement)
     for (const Parameter &variable : statement.variables) {
         if (!frame.variables.contains(variable.name))
             frame.variables.insert(variable.name, {variable.type, {}});
-        if (variable.defaultValue) {
-            const QVariant value = Evaluate(frame, *variable.defaultValue, variable.type);
-            frame.variables[variable.name].value = value;
-        }
+        if (variable.defaultValue)
+            Compute(frame, variable.name, *variable.defaultValue);
     }
     for (const std::unique_ptr<CreateTableStatement> &table : statement.tables) {
         if (frame.tables.contains(table->table))
@@ -821,19 +857,13 @@ void Interpreter::RunExec(Frame &frame, const ExecStatement &statement)
 int Interpreter::RunProcedure(Frame &frame, const ProcedureRoutine &procedure)
 {
     const std::shared_ptr<Program> keep = procedure.program; // it may be dropped while it runs
-    if (depth_ >= kMaxCalls)
-        Fail(Error::Kind::Other, 217,
-             u"Maximum stored procedure, function, trigger, or view nesting level exceeded (limit %1)."_s.arg(
-                 kMaxCalls));
-    ++depth_;
+    const Nesting nesting(*this);
     try {
         RunList(frame, procedure.definition->body);
     } catch (...) {
-        --depth_;
         LeaveFrame(frame);
         throw;
     }
-    --depth_;
     LeaveFrame(frame);
     return frame.returned.toInt();
 }
@@ -844,10 +874,7 @@ QVariant Interpreter::CallFunction(const QString &name, const QVariantList &argu
     if (!found || found->definition->query || size_t(arguments.size()) != found->definition->parameters.size())
         Unknown(4121, u"Cannot find the user-defined function or aggregate \"dbo.%1\"."_s.arg(name), {}, name);
     const FunctionRoutine function = *found;
-    if (depth_ >= kMaxCalls)
-        Fail(Error::Kind::Other, 217,
-             u"Maximum stored procedure, function, trigger, or view nesting level exceeded (limit %1)."_s.arg(
-                 kMaxCalls));
+    const Nesting nesting(*this);
     Frame frame;
     frame.program = function.program.get();
     frame.function = true;
@@ -857,14 +884,7 @@ QVariant Interpreter::CallFunction(const QString &name, const QVariantList &argu
         frame.variables.insert(parameter.name, {parameter.type, arguments[i]});
     }
     const int rowCount = rowCount_;
-    ++depth_;
-    try {
-        RunList(frame, function.definition->body);
-    } catch (...) {
-        --depth_;
-        throw;
-    }
-    --depth_;
+    RunList(frame, function.definition->body);
     rowCount_ = rowCount;
     return frame.returned;
 }
@@ -931,6 +951,7 @@ void Interpreter::RunThrow(Frame &frame, const ThrowStatement &statement)
 
 Interpreter::Flow Interpreter::RunTry(Frame &frame, const TryStatement &statement)
 {
+    const std::optional<Error> outer = frame.caught;
     try {
         return RunList(frame, statement.body);
     } catch (const Error &error) {
@@ -939,7 +960,6 @@ Interpreter::Flow Interpreter::RunTry(Frame &frame, const TryStatement &statemen
             throw;
         NoticeRollback();
         lastError_ = error.number;
-        const std::optional<Error> outer = frame.caught;
         frame.caught.emplace(error);
         const Flow flow = RunList(frame, statement.handler);
         frame.caught.reset();
@@ -1228,13 +1248,13 @@ void CheckFunctionBody(const StatementList &body)
 void Interpreter::CreateRoutine(const QString &kind, const QString &name, const QString &source)
 {
     const std::shared_ptr<Program> program = Parse(source); // by itself, as it will be read later
-    if (!program->undeclared.isEmpty()) {
-        const auto first = program->undeclared.constBegin();
-        Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(first.key()), first.value(), first.key());
-    }
+    if (!program->undeclared.isEmpty())
+        Undeclared(program->undeclared.constBegin().key(), program->undeclared.constBegin().value());
     if (kind == "function"_L1) {
         const auto &function = static_cast<const CreateFunctionStatement &>(*program->statements.front());
-        if (!function.query) {
+        if (function.query) {
+            CheckTableFunction(catalogue_, function);
+        } else {
             CheckFunctionBody(function.body);
             if (function.body.empty() || function.body.back()->kind != Statement::Kind::Return)
                 Fail(Error::Kind::Syntax, 455,

@@ -31,6 +31,7 @@ private:
     enum class Flow { Next, Break, Continue, Return };
     struct Cursor;
     struct Frame;
+    struct Nesting;
     struct Compiled;
     struct Selection
     {
@@ -43,6 +44,7 @@ private:
     std::shared_ptr<Program> ParseCached(const QString &batch, bool keep);
     const Variable *Lookup(Frame &frame, const QString &name);
     Compiled &Compile(Frame &frame, const void *node, const std::function<Translation(Translator &)> &translate);
+    bool SchemaMoved();
     void Bind(Frame &frame, const Compiled &compiled);
 
     QVariant Evaluate(Frame &frame, const Expr &expr, const Type &target);
@@ -77,6 +79,8 @@ private:
     void Atomically(const std::function<void()> &work);
     void NeedNew(const QString &name, Place place);
 
+    static Variable &Declared(Frame &frame, const QString &name, Place place);
+    void Compute(Frame &frame, const QString &name, const Expr &expr);
     void Assign(Frame &frame, const QString &name, const Variable &value);
     QVariant Adopt(const Variable &value, const Type &target);
     void LeaveFrame(Frame &frame);
@@ -94,6 +98,7 @@ private:
     int fetchStatus_ = -1;
     QVariant lastIdentity_;
     QString identityInsert_; // the table that SET IDENTITY_INSERT names
+    qlonglong schemaVersion_ = -1;
     Variable scratch_;
     QHash<QString, QDateTime> moments_; // stored text and what it means
 };

@@ -43,6 +43,11 @@ void Unknown(int number, const QString &text, Place place, const QString &token)
     Fail(Error::Kind::Unknown, number, text, place, token);
 }
 
+void Undeclared(const QString &name, Place place)
+{
+    Unknown(137, QStringLiteral("Must declare the scalar variable \"%1\".").arg(name), place, name);
+}
+
 namespace {
 
 class Lexer

@@ -43,5 +43,7 @@ QList<Token> Lex(const QString &text);
 [[noreturn]] void Fail(Error::Kind kind, int number, const QString &text, Place place = {}, const QString &token = {});
 // Kind::Unknown with the text as it stands.
 [[noreturn]] void Unknown(int number, const QString &text, Place place, const QString &token);
+// A variable that nobody declared.
+[[noreturn]] void Undeclared(const QString &name, Place place);
 
 } // namespace embedded

@@ -70,6 +70,8 @@ Definition TranslateTable(Catalogue &catalogue, const CreateTableStatement &stat
 Definition TranslateColumns(Catalogue &catalogue, const AlterTableStatement &statement, const Table &table);
 // A table constraint as it stands in CREATE TABLE.
 QString TranslateConstraint(Catalogue &catalogue, const TableConstraint &constraint, const Table &table);
+// Throws for an inline table function whose query could not run.
+void CheckTableFunction(Catalogue &catalogue, const CreateFunctionStatement &statement);
 QString TranslateView(Catalogue &catalogue, const CreateViewStatement &statement);
 QList<Column> DescribeView(Catalogue &catalogue, const CreateViewStatement &statement);
 

@@ -60,7 +60,7 @@ Fragment Worker::VariableReference(const Expr &expr)
     if (expansion && !global) {
         const auto argument = expansion->arguments.constFind(expr.text);
         if (argument == expansion->arguments.constEnd())
-            Undeclared(expr);
+            Undeclared(expr.text, expr.place);
         return *argument;
     }
     if (definition)
@@ -69,7 +69,7 @@ Fragment Worker::VariableReference(const Expr &expr)
     if (!variable) {
         if (global)
             Refuse(expr.text, expr.place);
-        Undeclared(expr);
+        Undeclared(expr.text, expr.place);
     }
     qsizetype index = result.variables.indexOf(expr.text);
     if (index < 0) {
@@ -79,11 +79,6 @@ Fragment Worker::VariableReference(const Expr &expr)
     Fragment fragment = Atom(u'?' + QString::number(index + 1), variable->type);
     fragment.classes = variable->value.typeId() == QMetaType::QString && variable->value.toString().contains(u'[');
     return fragment;
-}
-
-void Worker::Undeclared(const Expr &expr)
-{
-    Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(expr.text), expr.place, expr.text);
 }
 
 Fragment Worker::Translate(const Expr &expr)

@@ -574,8 +574,7 @@ void Worker::Select(const SelectStatement &statement)
     for (const SelectItem &item : core.items) {
         const Variable *variable = variables(item.assignedTo);
         if (!variable)
-            Unknown(137, u"Must declare the scalar variable \"%1\"."_s.arg(item.assignedTo), item.place,
-                    item.assignedTo);
+            Undeclared(item.assignedTo, item.place);
         Column column;
         column.name = item.assignedTo;
         column.type = variable->type;

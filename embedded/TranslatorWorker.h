@@ -134,7 +134,6 @@ struct Worker
     Fragment ColumnReference(Scope &owner, const Source &source, const Column &column, Place place);
     Fragment Name(const Expr &expr);
     Fragment VariableReference(const Expr &expr);
-    [[noreturn]] static void Undeclared(const Expr &expr);
 
     // expressions
     Fragment Translate(const Expr &expr);

@@ -14,7 +14,8 @@
 // What a run-time package offers its host.
 
 // A class that a package can name: its name, and how to make one (nullptr: it cannot be made by name).
-struct TClassRef {
+struct TClassRef
+{
     const char *name;
     QObject *(*create)();
 };
@@ -31,10 +32,14 @@ enum class TProductModule { Payroll, HumanResources, Time };
 using TModules = QSet<TProductModule>;
 
 using TObjectKinds = quint16; // bit set
-constexpr TObjectKinds ObjectKind(int bit) { return TObjectKinds(1u << bit); }
+constexpr TObjectKinds ObjectKind(int bit)
+{
+    return TObjectKinds(1u << bit);
+}
 
 // One entry for the host's navigation tree.
-struct TObjectEntry {
+struct TObjectEntry
+{
     TModules Modules;
     QString ObjectName;
     const TClassRef *ObjectClass = nullptr;
@@ -46,7 +51,8 @@ struct TObjectEntry {
 };
 
 // An entry for the host's Tools menu. Run opens its own windows and returns when they are closed.
-struct TToolEntry {
+struct TToolEntry
+{
     QString ObjectName; // of the menu entry
     QString Caption;    // with its access key
     std::function<void()> Run;

@@ -69,8 +69,7 @@ void AddPackageFolder(const QString &folder)
 
 TModuleHandle LoadPackage(const QString &name)
 {
-    const QStringList folders =
-        ExtraFolders() + QStringList{QCoreApplication::applicationDirPath(), FrameworkFolder()};
+    const QStringList folders = ExtraFolders() + QStringList{QCoreApplication::applicationDirPath(), FrameworkFolder()};
     QString tried;
     for (const QString &folder : folders) {
         const QFileInfo file(folder + QLatin1Char('/') + name);

@@ -28,9 +28,10 @@ private:
 // Names of the loaded packages, each with its module handle.
 CORVEX_API TPackageList &GlobalPackageList();
 
-// Loads a run-time package by file name (looked for beside the executable, beside the framework library and in the folders that
-// AddPackageFolder named), and runs its Initialize. The package stays loaded until the process ends: unloading would take static
-// data away that other modules still hold. Does not touch GlobalPackageList. Throws std::runtime_error with the loader's reason.
+// Loads a run-time package by file name (looked for beside the executable, beside the framework library and in the
+// folders that AddPackageFolder named), and runs its Initialize. The package stays loaded until the process ends:
+// unloading would take static data away that other modules still hold. Does not touch GlobalPackageList. Throws
+// std::runtime_error with the loader's reason.
 CORVEX_API TModuleHandle LoadPackage(const QString &name);
 // Runs a loaded package's Finalize.
 CORVEX_API void FinalizePackage(TModuleHandle handle);

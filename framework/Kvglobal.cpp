@@ -67,8 +67,9 @@ void SetCurrentAgent(int id, const QString &name)
 void LogActivity(const QString &kind, const QString &code, const QString &action)
 {
     MainConnection().Execute(
-        QStringLiteral("insert into _btblActivityLog (dWhen, iAgentID, cAgentName, iLogType, cKind, cCode, cAction, cText) "
-                       "values (:now, :agent, :name, 0, :kind, :code, :action, :text)"),
+        QStringLiteral(
+            "insert into _btblActivityLog (dWhen, iAgentID, cAgentName, iLogType, cKind, cCode, cAction, cText) "
+            "values (:now, :agent, :name, 0, :kind, :code, :action, :text)"),
         {{QStringLiteral("now"), QDateTime::currentDateTime()},
          {QStringLiteral("agent"), theAgentID != 0 ? QVariant(theAgentID) : QVariant(QMetaType(QMetaType::Int))},
          {QStringLiteral("name"), theAgentName},

@@ -15,8 +15,10 @@ inline constexpr quint8 kOtherCountry = 7;
 // 5 Australia, 6 New Zealand, 7 any other country. One byte, set by LoadInstallation or the host.
 CORVEX_API extern quint8 CountryCode;
 
-// What the record of the installation's defaults holds. Read once by LoadInstallation and again after the settings change.
-struct CORVEX_API TInstallation {
+// What the record of the installation's defaults holds. Read once by LoadInstallation and again after the settings
+// change.
+struct CORVEX_API TInstallation
+{
     int endTaxYear = 0;           // the year in which the tax year ends
     QString bsbFormat;            // edit-mask format of bank numbers, such as "000-000"
     bool hoursAndMinutes = false; // hours are shown as h:mm instead of a decimal
@@ -36,8 +38,8 @@ CORVEX_API int CurrentAgentID();
 CORVEX_API QString CurrentAgentName();
 CORVEX_API void SetCurrentAgent(int id, const QString &name);
 
-// Adds an entry to the activity log: `kind` of record ("Bank"), its code, and what happened ("Added", "Changed", "Deleted").
-// Uses the main connection and the caller's transaction. Throws TDbError.
+// Adds an entry to the activity log: `kind` of record ("Bank"), its code, and what happened ("Added", "Changed",
+// "Deleted"). Uses the main connection and the caller's transaction. Throws TDbError.
 CORVEX_API void LogActivity(const QString &kind, const QString &code, const QString &action);
 
 // A list of record ids that a caller hands to a list screen and gets back filled.

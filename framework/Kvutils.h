@@ -18,7 +18,8 @@
 
 // ---- messages. All are modal QMessageBoxes with exactly the given text; objectName "msgBox".
 // Yes/No question; true on Yes. No is the default button and what Esc answers.
-CORVEX_API bool ConfMessage(const QString &text, QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No);
+CORVEX_API bool ConfMessage(const QString &text,
+                            QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No);
 // One OK button unless `buttons` says otherwise; gives the button pressed.
 CORVEX_API QMessageBox::StandardButton InfoMessage(const QString &text,
                                                    QMessageBox::StandardButtons buttons = QMessageBox::Ok);
@@ -28,8 +29,8 @@ CORVEX_API QMessageBox::StandardButton ErrorMessage(const QString &text,
                                                     QMessageBox::StandardButtons buttons = QMessageBox::Ok);
 // A question with named answers; gives the index of the answer, `escape` when the box is closed.
 CORVEX_API int ChoiceMessage(const QString &text, const QString &details, const QStringList &answers, int escape);
-// What a procedure reports of its work, under a title of its own: nothing for 0, `message` as information for 1 (done, with
-// something to tell) and as a warning for 2 (refused).
+// What a procedure reports of its work, under a title of its own: nothing for 0, `message` as information for 1 (done,
+// with something to tell) and as a warning for 2 (refused).
 CORVEX_API void ReturnMessage(const QString &title, int returnValue, const QString &message);
 // Reports what went wrong: a TDbError in the server's words, anything else by its text. Also logged.
 CORVEX_API void ShowException(const std::exception &error, const QString &doing = {});
@@ -65,10 +66,12 @@ private:
 };
 
 // ---- messages between package, host and screens
-inline constexpr uint kGlobalNotification = 5038; // posted: the host delivers a stored notification to every open screen
-inline constexpr uint kHostRequest = 5030;        // sent: the host carries out a stored request and answers at once
+inline constexpr uint kGlobalNotification =
+    5038;                                  // posted: the host delivers a stored notification to every open screen
+inline constexpr uint kHostRequest = 5030; // sent: the host carries out a stored request and answers at once
 
-struct TCorvexMessage {
+struct TCorvexMessage
+{
     uint Msg = 0;
     qlonglong WParam = 0; // the record id of a change notification (0: none in particular)
     qlonglong LParam = 0;
@@ -90,7 +93,11 @@ class CORVEX_API TControlEvent final : public QEvent
 {
 public:
     static QEvent::Type EventType();
-    TControlEvent(uint message, qlonglong handle) : QEvent(EventType()), Message(message), Handle(handle) {}
+    TControlEvent(uint message, qlonglong handle)
+        : QEvent(EventType())
+        , Message(message)
+        , Handle(handle)
+    {}
     const uint Message;
     const qlonglong Handle;
     qlonglong Result = 0; // what the host answers to a sent one
@@ -113,6 +120,6 @@ public:
     TGlobalListener &operator=(const TGlobalListener &) = delete;
     virtual void GlobalMessage(TCorvexMessage &message) = 0;
 };
-// The host's delivery of a notification to every listener that is open when it starts. An error in one screen is shown and
-// does not keep the others from the news.
+// The host's delivery of a notification to every listener that is open when it starts. An error in one screen is shown
+// and does not keep the others from the news.
 CORVEX_API void DeliverGlobalMessage(TCorvexMessage &message);

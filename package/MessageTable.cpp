@@ -31,47 +31,57 @@ using TIntegersEntry = void (*)(int First, int Second);
 using TPlainEntry = void (*)();
 using TPointerEntry = void (*)(void *Object);
 
-// How a message's parameters are used. An entry without its operation belongs to a screen that is not part of this build.
-// P1 modal, P2 list, never multi-select
-struct List {
+// How a message's parameters are used. An entry without its operation belongs to a screen that is not part of this
+// build. P1 modal, P2 list, never multi-select
+struct List
+{
     TListEntry open = nullptr;
 };
 // P1 modal, P2 list; when the list holds an entry: multi-select, and the list is emptied
-struct SelectList {
+struct SelectList
+{
     TListEntry open = nullptr;
 };
 // P1 modal, P2 list as it is, always multi-select
-struct MultiList {
+struct MultiList
+{
     TListEntry open = nullptr;
 };
 // as SelectList, but without an entry in the list nothing at all
-struct FilteredSelection {
+struct FilteredSelection
+{
     TListEntry open = nullptr;
 };
 // P1 record id, P2 copy flag
-struct Dialog {
+struct Dialog
+{
     TDialogEntry open = nullptr;
 };
 // the same, another dialog in Australia than elsewhere
-struct DialogByCountry {
+struct DialogByCountry
+{
     TDialogEntry australia = nullptr;
     TDialogEntry elsewhere = nullptr;
     TDialogEntry ForCountry() const { return CountryCode == kAustralia ? australia : elsewhere; }
 };
 // P1 and P2 as they are
-struct Integers {
+struct Integers
+{
     TIntegersEntry open = nullptr;
 };
 // P1 an object of the caller's
-struct Pointer {
+struct Pointer
+{
     TPointerEntry open = nullptr;
 };
 // no parameters
-struct Plain {
+struct Plain
+{
     TPlainEntry open = nullptr;
 };
 // no parameters; nothing in any country but the three
-struct PlainByCountry {
+struct PlainByCountry
+{
     TPlainEntry australia = nullptr;
     TPlainEntry newZealand = nullptr;
     TPlainEntry other = nullptr;
@@ -102,7 +112,8 @@ template <class Use> auto EntryOf(const Use &use)
         return use.open;
 }
 
-struct TMessageRow {
+struct TMessageRow
+{
     uint message;
     const char *operation;
     TUse use;
@@ -213,8 +224,7 @@ public:
     TDispatcher(qlonglong Param1, qlonglong Param2)
         : param1_(Param1)
         , param2_(Param2)
-    {
-    }
+    {}
 
     template <class Use> bool operator()(const Use &use) const
     {

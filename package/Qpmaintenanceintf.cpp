@@ -20,8 +20,8 @@ constexpr TClassRef kInterfaceClass{"TkpIMaintenance", &CreateInterface};
 // The host may run the entry points more than once; only the first initialisation and the last finalisation count.
 int initialised = 0;
 
-// Screens are opened by message, never by class, so a class reference carries its name alone. A class that is registered
-// under two names has one reference.
+// Screens are opened by message, never by class, so a class reference carries its name alone. A class that is
+// registered under two names has one reference.
 const TClassRef *ScreenClass(const char *name)
 {
     static QHash<QByteArray, const TClassRef *> classes;

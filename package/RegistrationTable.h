@@ -6,7 +6,8 @@
 #include "framework/Corvexpackageintf.h"
 
 // What the package registers with its host.
-struct TRegistration {
+struct TRegistration
+{
     const char *ObjectName;
     const char *ClassName; // nullptr: no class
     const char *GroupKey;

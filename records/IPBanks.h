@@ -8,7 +8,9 @@ class CORVEX_API TqryIPBanks final : public TCorvexADOQuery
 {
     Q_OBJECT
 public:
-    explicit TqryIPBanks(QObject *owner = nullptr) : TCorvexADOQuery("_iptblBanks", "idBank", Keys::Server, owner) {}
+    explicit TqryIPBanks(QObject *owner = nullptr)
+        : TCorvexADOQuery("_iptblBanks", "idBank", Keys::Server, owner)
+    {}
 
     int GetIdBank() const { return KeyValue(); }
     TEXT_COLUMN(Code, "cCode", 10)

@@ -37,10 +37,9 @@ QString ServerType(const TDbArgument &argument)
         return QStringLiteral("float");
     case QMetaType::QString:
         if (argument.value.toString().size() > kLongestText)
-            throw TDbError(TDbError::Kind::TooLong, 8152,
-                           QStringLiteral("The text for @%1 is longer than %2 characters.")
-                               .arg(argument.name)
-                               .arg(kLongestText));
+            throw TDbError(
+                TDbError::Kind::TooLong, 8152,
+                QStringLiteral("The text for @%1 is longer than %2 characters.").arg(argument.name).arg(kLongestText));
         return QStringLiteral("nvarchar(%1)").arg(kLongestText);
     case QMetaType::QDate:
     case QMetaType::QDateTime:

@@ -9,9 +9,9 @@
 
 #include "framework/Export.h"
 
-// The ordered checks of a dialog: asked one after the other, the first that fails sets the text and the control that takes the
-// focus, and none after it is asked. A condition may be a value or something callable; a callable one is called only when nothing
-// failed before, so that a query for uniqueness costs nothing on a blank code.
+// The ordered checks of a dialog: asked one after the other, the first that fails sets the text and the control that
+// takes the focus, and none after it is asked. A condition may be a value or something callable; a callable one is
+// called only when nothing failed before, so that a query for uniqueness costs nothing on a blank code.
 class CORVEX_API TChecks
 {
 public:

@@ -145,8 +145,7 @@ TfrmCorvexDlgBase::TConflictAnswer TfrmCorvexDlgBase::AskConflict(const TRecordC
                                 ValueText(field.theirs), ValueText(field.mine));
         }
     }
-    const QStringList answers{tr("&Back to Editing"),
-                              conflict.gone ? tr("&Leave It Deleted") : tr("&Keep the Other's"),
+    const QStringList answers{tr("&Back to Editing"), conflict.gone ? tr("&Leave It Deleted") : tr("&Keep the Other's"),
                               conflict.gone ? tr("&Save Mine as New") : tr("&Write Mine")};
     return TConflictAnswer(ChoiceMessage(text, details, answers, 0));
 }

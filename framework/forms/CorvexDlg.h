@@ -34,8 +34,8 @@ protected:
     virtual void SetDialogCaption();
     // Decides whether the dialog may close with `result`, and saves when it is QDialog::Accepted.
     virtual void FormCloseQuery(int result, bool &CanClose) = 0;
-    // Runs the checks of `ask` under the busy cursor, shows the text of the one that failed through `tell` and gives its control
-    // the focus.
+    // Runs the checks of `ask` under the busy cursor, shows the text of the one that failed through `tell` and gives
+    // its control the focus.
     using TShowMessage = QMessageBox::StandardButton (*)(const QString &text, QMessageBox::StandardButtons buttons);
     bool RunChecks(const std::function<void(TChecks &)> &ask, TShowMessage tell = &InfoMessage);
     // Brings a control's page to the front and focuses it.
@@ -61,15 +61,16 @@ private:
 };
 
 // What is particular to a record's dialog.
-struct TDialogFacts {
+struct TDialogFacts
+{
     const char *formName;    // the form's code name
     const char *caption;     // the form's own title, before it knows its record
     const char *addCaption;  // "Add New Bank"
     const char *editCaption; // "Edit Bank \"%s\""
     const char *copyCaption; // "Copy Bank \"%s\""
     int helpContext;
-    uint changedMessage;     // notification number
-    const char *logKind;     // kind of record for the activity log; nullptr: its saves are not logged
+    uint changedMessage; // notification number
+    const char *logKind; // kind of record for the activity log; nullptr: its saves are not logged
 };
 
 // A dialog that adds, edits or copies one record. A save is one transaction: record and children together.
@@ -103,7 +104,8 @@ protected:
     virtual void SetSaveFields();
     // Allocates the key of a new record whose table has no identity; runs inside the save's transaction.
     virtual int NewKey() { return 0; }
-    // Inside the save's transaction, before the record is posted: may throw TRecordConflict for rows that belong to the record.
+    // Inside the save's transaction, before the record is posted: may throw TRecordConflict for rows that belong to the
+    // record.
     virtual void BeforePost() {}
     // Child rows, after the record is posted and inside its transaction.
     virtual void SaveChildren() {}
@@ -111,8 +113,8 @@ protected:
     virtual void AfterSave() {}
     // Saves; gives whether the dialog may close (a conflict may send the user back to editing).
     virtual bool SaveRecord();
-    // For what can only be done to a stored record: checks and saves a new one and goes on editing it under its id. False
-    // when it was not saved; the dialog stays as it is.
+    // For what can only be done to a stored record: checks and saves a new one and goes on editing it under its id.
+    // False when it was not saved; the dialog stays as it is.
     bool SaveAndReopen();
     // The code for captions and the log: that of the record as loaded.
     virtual QString RecordCode() const;
@@ -143,15 +145,15 @@ public:
     TfrmCorvexDlg2(const char *formName, const char *caption, int helpContext, QWidget *owner = nullptr)
         : TfrmCorvexDlgBase(formName, caption, owner)
         , helpContext_(helpContext)
-    {
-    }
+    {}
     int GetCurrentHelpContext() const override { return helpContext_; }
 
 protected:
     void FormCloseQuery(int result, bool &CanClose) override;
     virtual void ValidateInformation(TChecks &check) = 0;
-    // Writes the values; throws on failure, which is shown, and the dialog closes only when nothing was lost: it stays open.
-    // After a TRecordConflict the user is asked; to write his values all the same, it is called once more after Reread.
+    // Writes the values; throws on failure, which is shown, and the dialog closes only when nothing was lost: it stays
+    // open. After a TRecordConflict the user is asked; to write his values all the same, it is called once more after
+    // Reread.
     virtual void SaveEditFields() = 0;
     // Reads the records again and leaves the controls alone; for dialogs whose SaveEditFields throws TRecordConflict.
     virtual void Reread() {}

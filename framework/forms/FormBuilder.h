@@ -19,7 +19,8 @@
 class QTabWidget;
 
 // One field of a form: its control, its label, and how its value travels between control and record.
-struct TFieldBinding {
+struct TFieldBinding
+{
     QWidget *control = nullptr;
     QLabel *label = nullptr; // nullptr for controls that carry their own caption
     QString caption;         // without the access-key mark
@@ -30,9 +31,9 @@ struct TFieldBinding {
 
 class TFormFields;
 
-// A titled group of fields. The words add one field each, in tab order; each makes the control (owned by the group), names it,
-// makes its label a buddy, limits it, and binds it to a column where one is given. A control made with the overload without a
-// column is the dialog's own business.
+// A titled group of fields. The words add one field each, in tab order; each makes the control (owned by the group),
+// names it, makes its label a buddy, limits it, and binds it to a column where one is given. A control made with the
+// overload without a column is the dialog's own business.
 class CORVEX_API TFormGroup
 {
 public:
@@ -67,7 +68,8 @@ public:
     TFormGroup &Widget(QWidget *control, const char *name);
     TFormGroup &LabelledWidget(QWidget *control, const char *name, const char *caption);
     // A row of push buttons, right-aligned.
-    struct TButton {
+    struct TButton
+    {
         QPushButton *&control;
         const char *name;
         const char *caption;

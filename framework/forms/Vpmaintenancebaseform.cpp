@@ -71,7 +71,7 @@ TfrmMaintenanceBase::TfrmMaintenanceBase(const TMaintenanceFacts &facts, TCorvex
             OnEdit();
     });
     connect(grid_, &TqsGrid::RecordCountChanged, this, [this](qlonglong count) {
-        lblRecordCount->setText(count < 0 ? QString()
+        lblRecordCount->setText(count < 0    ? QString()
                                 : count == 1 ? tr("1 record")
                                              : tr("%1 records").arg(QLocale().toString(count)));
     });
@@ -95,8 +95,7 @@ QAction *TfrmMaintenanceBase::AddAction(const char *name, const char *icon, cons
     action->setObjectName(QString::fromLatin1(name));
     action->setShortcuts(keys);
     action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-    action->setToolTip(keys.isEmpty() ? tip
-                                      : tr("%1 (%2)").arg(tip, keys.first().toString(QKeySequence::NativeText)));
+    action->setToolTip(keys.isEmpty() ? tip : tr("%1 (%2)").arg(tip, keys.first().toString(QKeySequence::NativeText)));
     connect(action, &QAction::triggered, this, handler);
     addAction(action);
     return action;
@@ -112,8 +111,8 @@ void TfrmMaintenanceBase::BuildToolbar()
 
     using Self = TfrmMaintenanceBase;
     mniMaintAdd = AddAction("mniMaintAdd", "add", tr("&Add"), tr("Add a record"), {Qt::Key_Insert}, &Self::OnAdd);
-    mniMaintEdit = AddAction("mniMaintEdit", "edit", tr("&Edit"), tr("Edit the record; so does Enter in the list"),
-                             {}, &Self::OnEdit);
+    mniMaintEdit = AddAction("mniMaintEdit", "edit", tr("&Edit"), tr("Edit the record; so does Enter in the list"), {},
+                             &Self::OnEdit);
     mniMaintCopy = AddAction("mniMaintCopy", "copy", tr("C&opy"), tr("Add a copy of the record"),
                              {QKeySequence(Qt::CTRL | Qt::Key_D)}, &Self::OnCopy);
     mniMaintDelete = AddAction("mniMaintDelete", "delete", tr("&Delete"), tr("Delete the record"), {}, &Self::OnDelete);
@@ -123,10 +122,10 @@ void TfrmMaintenanceBase::BuildToolbar()
                           {QKeySequence(Qt::CTRL | Qt::Key_F)}, &Self::OnSearch);
     mniGridSave = AddAction("mniGridSave", "save-layout", tr("Save &Layout"),
                             tr("Keep the columns as they are now for the next time"), {}, &Self::OnGridSave);
-    mniRefresh = AddAction("mniRefresh", "refresh", tr("&Refresh"), tr("Read the list again"), {Qt::Key_F5},
-                           &Self::OnRefresh);
-    mniExport = AddAction("mniExport", "export", tr("E&xport"), tr("Write the list to a CSV file"), {},
-                          &Self::OnExport);
+    mniRefresh =
+        AddAction("mniRefresh", "refresh", tr("&Refresh"), tr("Read the list again"), {Qt::Key_F5}, &Self::OnRefresh);
+    mniExport =
+        AddAction("mniExport", "export", tr("E&xport"), tr("Write the list to a CSV file"), {}, &Self::OnExport);
     mniWhereUsed = AddAction("mniWhereUsed", "where-used", tr("&Where Used"), tr("What refers to the record"),
                              {QKeySequence(Qt::CTRL | Qt::Key_U)}, &Self::OnWhereUsed);
     mniCopyCells = AddAction("mniCopyCells", "copy", tr("Copy to Clip&board"), tr("Copy the row to the clipboard"), {},
@@ -335,10 +334,12 @@ void TfrmMaintenanceBase::OnCopy()
 void TfrmMaintenanceBase::StartChange(const std::function<void()> &change)
 {
     startedHere_ = true;
-    // A dialog that was cancelled, or could not be opened, leaves no notification behind. One that was sent is delivered
-    // before this, since it was posted first.
-    const auto clear = qScopeGuard(
-        [this] { QMetaObject::invokeMethod(this, [this] { startedHere_ = false; }, Qt::QueuedConnection); });
+    // A dialog that was cancelled, or could not be opened, leaves no notification behind. One that was sent is
+    // delivered before this, since it was posted first.
+    const auto clear = qScopeGuard([this] {
+        QMetaObject::invokeMethod(
+            this, [this] { startedHere_ = false; }, Qt::QueuedConnection);
+    });
     change();
 }
 

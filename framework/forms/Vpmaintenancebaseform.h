@@ -21,7 +21,8 @@ class QMenu;
 class QPushButton;
 
 // What is particular to a list screen before any of its code runs.
-struct TMaintenanceFacts {
+struct TMaintenanceFacts
+{
     const char *formName;   // the form's code name; also the name its layout is kept under
     const char *caption;    // window and tab title
     const char *pluralName; // header band: "Banks"
@@ -29,9 +30,8 @@ struct TMaintenanceFacts {
     const char *gridName;
     int systemFunctionId;
     int helpContext;
-    uint changedMessage;    // notification number
+    uint changedMessage; // notification number
 };
-
 
 // The base of every list screen: header band, toolbar, grid, search, and for modal use an OK/Cancel panel.
 class CORVEX_API TfrmMaintenanceBase : public QDialog, public TGlobalListener
@@ -40,8 +40,8 @@ class CORVEX_API TfrmMaintenanceBase : public QDialog, public TGlobalListener
     Q_PROPERTY(int systemFunctionId READ SystemFunctionId CONSTANT)
 
 public:
-    // `NonModal` true makes a screen for the host's tabs that deletes itself when it is closed. `query` is a member of the
-    // descendant; it is first used in Load.
+    // `NonModal` true makes a screen for the host's tabs that deletes itself when it is closed. `query` is a member of
+    // the descendant; it is first used in Load.
     TfrmMaintenanceBase(const TMaintenanceFacts &facts, TCorvexADOQuery &query, QWidget *AOwner, bool NonModal,
                         bool Visible);
     ~TfrmMaintenanceBase() override;
@@ -77,14 +77,16 @@ protected:
     virtual QString DeleteQuestion() const = 0;
     virtual bool CheckBeforeDelete() { return true; }
     virtual void DeleteRecord() = 0;
-    // The tables that may refer to a record of this screen, in the order in which they are asked before a delete. A screen that
-    // has any offers Where Used.
+    // The tables that may refer to a record of this screen, in the order in which they are asked before a delete. A
+    // screen that has any offers Where Used.
     virtual std::span<const TInUse> InUseTables() const { return {}; }
     // The id by which they refer to the focused record.
     virtual int InUseID() const { return FocusedID(); }
-    // Asks the tables in order; the first that refers to the record is told with `message` ("%s": code, "%s": user) and gives false.
+    // Asks the tables in order; the first that refers to the record is told with `message` ("%s": code, "%s": user) and
+    // gives false.
     bool CheckInUse(std::span<const TInUse> tables, const char *message, const QString &code) const;
-    // DeleteRecord's frame: remembers the neighbour, runs `remove`, and on true focuses the neighbour and broadcasts id 0.
+    // DeleteRecord's frame: remembers the neighbour, runs `remove`, and on true focuses the neighbour and broadcasts id
+    // 0.
     void DeleteAndTell(const std::function<bool()> &remove);
 
     // The change notification of this screen's records: refresh, and focus the record when the change started here.
@@ -170,7 +172,8 @@ private:
     bool startedHere_ = false;
 };
 
-// The steps of DoXxxMaintenance. `Form` has the constructors (owner) and (owner, bool, bool); `args` are handed to them behind.
+// The steps of DoXxxMaintenance. `Form` has the constructors (owner) and (owner, bool, bool); `args` are handed to them
+// behind.
 template <class Form, class... Args>
 void RunMaintenance(bool Modal, TList *SelectedList, bool MultiSelect, Args &&...args)
 {

@@ -13,7 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QByteArray kHeading = "bank_code,bank_name,branch_name,bsb,address,suburb,state,postcode,payment_flags,status\r\n";
+const QByteArray kHeading =
+    "bank_code,bank_name,branch_name,bsb,address,suburb,state,postcode,payment_flags,status\r\n";
 
 QByteArray Row(const QByteArray &code, const QByteArray &bank, const QByteArray &branch, const QByteArray &bsb,
                const QByteArray &state = "NSW", const QByteArray &status = "open")
@@ -83,9 +84,10 @@ void TBankingImportTest::initTestCase()
 
 void TBankingImportTest::AddsChangesAndLeaves()
 {
-    const QByteArray csv = kHeading + Row("ANZ", "ANZ Bank", "Town", "012-001") + Row("ANZ", "ANZ Bank", "Beach", "012-002")
-        + Row("ANZ", "ANZ Bank", "Hill", "012-003") + Row("ANZ", "ANZ Bank", "Merged", "012-004", "NSW", "merged")
-        + Row("ANZ", "ANZ Bank", "Closed", "012-005", "NSW", "Closed");
+    const QByteArray csv = kHeading + Row("ANZ", "ANZ Bank", "Town", "012-001") +
+                           Row("ANZ", "ANZ Bank", "Beach", "012-002") + Row("ANZ", "ANZ Bank", "Hill", "012-003") +
+                           Row("ANZ", "ANZ Bank", "Merged", "012-004", "NSW", "merged") +
+                           Row("ANZ", "ANZ Bank", "Closed", "012-005", "NSW", "Closed");
     TBSBImportResult result = Import(csv);
     QCOMPARE(result.added, 3);
     QCOMPARE(result.closed, 2);
@@ -95,8 +97,10 @@ void TBankingImportTest::AddsChangesAndLeaves()
     db_->Execute(u"update _iptblBanks set cCode = 'MINE', cBranchName = 'Old' where cBSBNumber = '012-002'"_s);
     db_->Execute(u"update _iptblBanks set iStateID = 0 where cBSBNumber = '012-003'"_s);
     db_->Execute(u"insert into _iptblBanks (cCode, cBSBNumber) values ('KEEP', '099-999')"_s);
-    db_->Execute(u"insert into _iptblBanks (cCode, cBranchName, cBSBNumber) values ('OPEN', 'Still here', '012-004')"_s);
-    db_->Execute(u"insert into _iptblBanks (cCode, cBSBNumber) values ('TWIN', '012-001')"_s); // the first made one counts
+    db_->Execute(
+        u"insert into _iptblBanks (cCode, cBranchName, cBSBNumber) values ('OPEN', 'Still here', '012-004')"_s);
+    db_->Execute(
+        u"insert into _iptblBanks (cCode, cBSBNumber) values ('TWIN', '012-001')"_s); // the first made one counts
     result = Import(csv);
     QCOMPARE(result.added, 0);
     QCOMPARE(result.changed, 2);
@@ -130,10 +134,12 @@ void TBankingImportTest::RefusedRows_data()
                                  << u"The branch name is longer than 50 characters."_s;
     QTest::newRow("state") << Row("ANZ", "Bank", "Town", "012-001", "ZZ") << u"The state \"ZZ\" is not known."_s;
     QTest::newRow("no state") << Row("ANZ", "Bank", "Town", "012-001", "") << u"The state \"\" is not known."_s;
-    QTest::newRow("control") << Row("ANZ", QByteArray("Ba\0nk", 5), "Town", "012-001") << u"A name holds a control character."_s;
+    QTest::newRow("control") << Row("ANZ", QByteArray("Ba\0nk", 5), "Town", "012-001")
+                             << u"A name holds a control character."_s;
     QTest::newRow("short row") << QByteArray("ANZ,Bank,Town,012-001\r\n") << u"The row has 4 fields; 10 are needed."_s;
     QTest::newRow("twice") << Row("ANZ", "Bank", "Town", "012 777") << u"The BSB is already in line 2."_s;
-    QTest::newRow("code taken") << Row("MI-NE", "Bank", "Town", "099-998") << u"The code \"MINE099998\" belongs to another bank."_s;
+    QTest::newRow("code taken") << Row("MI-NE", "Bank", "Town", "099-998")
+                                << u"The code \"MINE099998\" belongs to another bank."_s;
 }
 
 // The rows around a refused one are taken all the same.
@@ -154,21 +160,23 @@ void TBankingImportTest::RefusedRows()
 void TBankingImportTest::Quoting()
 {
     const QByteArray bom("\xEF\xBB\xBF");
-    const TBSBImportResult result =
-        Import(bom + kHeading + Row("ANZ", "\"Bank, of \"\"Quotes\"\" O'Hara; --\"", "\"Two\r\nlines\"", "\"012-001\"")
-               + "\r\n" + Row("anz", "Te P\xC4\x81k\xC4\x81 \xF0\x9F\x8F\xA6", "  Town   Hall ", "012002", "nsw")
-               + Row("ANZ", "Bank", "Town", "bad").chopped(2)); // and the last line has no end
+    const TBSBImportResult result = Import(
+        bom + kHeading + Row("ANZ", "\"Bank, of \"\"Quotes\"\" O'Hara; --\"", "\"Two\r\nlines\"", "\"012-001\"") +
+        "\r\n" + Row("anz", "Te P\xC4\x81k\xC4\x81 \xF0\x9F\x8F\xA6", "  Town   Hall ", "012002", "nsw") +
+        Row("ANZ", "Bank", "Town", "bad").chopped(2)); // and the last line has no end
     QCOMPARE(result.added, 2);
-    QCOMPARE(Bank(u"012-001"_s), (QStringList{u"ANZ012001"_s, u"Bank, of \"Quotes\" O'Hara; --"_s, u"Two lines"_s, u"NSW"_s}));
+    QCOMPARE(Bank(u"012-001"_s),
+             (QStringList{u"ANZ012001"_s, u"Bank, of \"Quotes\" O'Hara; --"_s, u"Two lines"_s, u"NSW"_s}));
     QCOMPARE(Bank(u"012-002"_s), (QStringList{u"ANZ012002"_s, u"Te Pākā 🏦"_s, u"Town Hall"_s, u"NSW"_s}));
     QCOMPARE(result.refused.value(0).line, 6); // the quoted line end and the empty line count
 }
 
 void TBankingImportTest::WithoutHeading()
 {
-    const TBSBImportResult result = Import("\"012-001\",\"ANZ\",\"Town\",\"1 High St\",\"Sydney\",\"NSW\",\"2000\",\"PEH\"\n"
-                                           "333-001,ZZZ,New,1 High St,Perth,WA,6000,PEH\n"
-                                           "012-003,ANZ,Merged,Refer to BSB 012-001,Sydney,NSW,2000,PEH\n");
+    const TBSBImportResult result =
+        Import("\"012-001\",\"ANZ\",\"Town\",\"1 High St\",\"Sydney\",\"NSW\",\"2000\",\"PEH\"\n"
+               "333-001,ZZZ,New,1 High St,Perth,WA,6000,PEH\n"
+               "012-003,ANZ,Merged,Refer to BSB 012-001,Sydney,NSW,2000,PEH\n");
     QCOMPARE(result.added, 2);
     QCOMPARE(result.closed, 1);
     QCOMPARE(Bank(u"012-001"_s),
@@ -205,7 +213,8 @@ void TBankingImportTest::LongNames_data()
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<QString>("stored");
     QTest::newRow("division") << QByteArray("Bankwest (a division of Commonwealth Bank of Australia)") << u"Bankwest"_s;
-    QTest::newRow("comma") << QByteArray("\"Bank of Heritage Isle, a division of Police Bank Ltd\"") << u"Bank of Heritage Isle"_s;
+    QTest::newRow("comma") << QByteArray("\"Bank of Heritage Isle, a division of Police Bank Ltd\"")
+                           << u"Bank of Heritage Isle"_s;
     QTest::newRow("short enough") << QByteArray("Bankwest (a division)") << u"Bankwest (a division)"_s;
 }
 
@@ -240,14 +249,17 @@ void TBankingImportTest::UnfitFiles_data()
     QTest::addColumn<QByteArray>("csv");
     QTest::addColumn<QString>("message");
     QTest::newRow("empty") << QByteArray("\r\n\r\n") << u"The file is empty."_s;
-    QTest::newRow("no directory") << QByteArray("name,age\nJoan,43\n")
-                                  << u"The file is not a BSB directory: its first line names no \"bsb\" column and does not "
-                                     "begin with a BSB number."_s;
+    QTest::newRow("no directory")
+        << QByteArray("name,age\nJoan,43\n")
+        << u"The file is not a BSB directory: its first line names no \"bsb\" column and does not "
+           "begin with a BSB number."_s;
     QTest::newRow("columns") << QByteArray("bsb,state\n012-001,NSW\n")
                              << u"The file has no column \"bank_code\", \"bank_name\", \"branch_name\"."_s;
-    QTest::newRow("open quote") << kHeading + Row("ANZ", "Bank", "Town", "012-001") + Row("ANZ", "\"Bank", "Town", "012-002")
+    QTest::newRow("open quote") << kHeading + Row("ANZ", "Bank", "Town", "012-001") +
+                                       Row("ANZ", "\"Bank", "Town", "012-002")
                                 << u"The quotation mark opened in line 3 is never closed."_s;
-    QTest::newRow("not UTF-8") << kHeading + Row("ANZ", "Caf\xE9", "Town", "012-001") << u"The file is not UTF-8 text."_s;
+    QTest::newRow("not UTF-8") << kHeading + Row("ANZ", "Caf\xE9", "Town", "012-001")
+                               << u"The file is not UTF-8 text."_s;
 }
 
 void TBankingImportTest::UnfitFiles()

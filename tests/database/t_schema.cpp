@@ -28,8 +28,7 @@ class TSchemaSuite final : public QObject
 public:
     explicit TSchemaSuite(TConnect connect)
         : db_(connect())
-    {
-    }
+    {}
 
 private Q_SLOTS:
     void initTestCase();
@@ -78,14 +77,16 @@ private:
     // A master with a first version.
     int NewRateType(const QString &code, const QDate &date, double rate)
     {
-        const int master = db_->Insert(u"insert into _iptblRateTypes (cCode, cDescription, fRate) values (:c, :c, :r)"_s,
-                                       {{u"c"_s, code}, {u"r"_s, rate}});
+        const int master =
+            db_->Insert(u"insert into _iptblRateTypes (cCode, cDescription, fRate) values (:c, :c, :r)"_s,
+                        {{u"c"_s, code}, {u"r"_s, rate}});
         Update(master, 0, date.startOfDay(), 1);
         return master;
     }
     void Stage(int master, double rate)
     {
-        db_->Execute(u"update _iptblRateTypes set fRate = :r where idRateType = :m"_s, {{u"r"_s, rate}, {u"m"_s, master}});
+        db_->Execute(u"update _iptblRateTypes set fRate = :r where idRateType = :m"_s,
+                     {{u"r"_s, rate}, {u"m"_s, master}});
     }
     int VersionAt(int master, const QDate &date)
     {
@@ -155,7 +156,9 @@ void TSchemaSuite::ReferenceRows_data()
 {
     QTest::addColumn<QString>("from");
     QTest::addColumn<int>("count");
-    const auto row = [](const char *from, int count) { QTest::addRow("%s", from) << QString::fromLatin1(from) << count; };
+    const auto row = [](const char *from, int count) {
+        QTest::addRow("%s", from) << QString::fromLatin1(from) << count;
+    };
     row("Defaults where Country = 5 and EndTaxYear = 2027 and cBSBFormat = '000-000'", 1);
     row("_iptblGeneralParameters where iRateDecimals = 4 and bBackpayEnabled = 0", 1);
     row("Entities", 1);
@@ -190,17 +193,20 @@ void TSchemaSuite::PublishedScales()
 {
     const QString published = u"_iptblTaxScales s where s.bUserDefinable = 0 and "_s;
     // each ends with the open row, and its brackets carry its code and year
-    QCOMPARE(Count(*db_, published + u"not exists (select 1 from _iptblTaxBrackets b where b.iTaxScalesID = s.idTaxScales "
-                                     "and b.TaxBracket = 9999999 and b.cTaxScaleCode = s.cCode "
-                                     "and b.iBracketTaxYear = s.iTaxYear)"_s),
+    QCOMPARE(Count(*db_, published +
+                             u"not exists (select 1 from _iptblTaxBrackets b where b.iTaxScalesID = s.idTaxScales "
+                             "and b.TaxBracket = 9999999 and b.cTaxScaleCode = s.cCode "
+                             "and b.iBracketTaxYear = s.iTaxYear)"_s),
              0);
-    QCOMPARE(Count(*db_, u"_iptblTaxBrackets b left join _iptblTaxScales s on s.idTaxScales = b.iTaxScalesID "
-                         "where s.idTaxScales is null or b.cTaxScaleCode <> s.cCode or b.iBracketTaxYear <> s.iTaxYear"_s),
+    QCOMPARE(Count(*db_,
+                   u"_iptblTaxBrackets b left join _iptblTaxScales s on s.idTaxScales = b.iTaxScalesID "
+                   "where s.idTaxScales is null or b.cTaxScaleCode <> s.cCode or b.iBracketTaxYear <> s.iTaxYear"_s),
              0);
     // scales 2 and 6, and no others, name the Medicare scale of their own year
-    QCOMPARE(Count(*db_, u"_iptblTaxScales s inner join _iptblMedicareScales m on m.idMedicareScales = s.iMedicareScalesID "
-                         "and m.cCode = s.cCode and m.iTaxYear = s.iTaxYear and s.cMedicareScaleCode = m.cCode "
-                         "where s.cCode in ('2', '6')"_s),
+    QCOMPARE(Count(*db_,
+                   u"_iptblTaxScales s inner join _iptblMedicareScales m on m.idMedicareScales = s.iMedicareScalesID "
+                   "and m.cCode = s.cCode and m.iTaxYear = s.iTaxYear and s.cMedicareScaleCode = m.cCode "
+                   "where s.cCode in ('2', '6')"_s),
              14);
     QCOMPARE(Count(*db_, published + u"s.iMedicareScalesID <> 0"_s), 14);
     // every published code is one that the editable test knows, and the user's are not
@@ -212,16 +218,19 @@ void TSchemaSuite::PublishedScales()
         u"select fWeeklyEarningsThreshold, fWLAFactor, fSOPMultiplier, fAdjustmentLevy from _iptblMedicareScales "
         "where cCode = '2' and iTaxYear = 2021"_s);
     QCOMPARE(medicare.rows.value(0), (QVariantList{438.0, 438.48, 0.1, 0.02}));
-    const TDbRows bracket = db_->Select(u"select TaxPercentage, TaxAmount from _iptblTaxBrackets where cTaxScaleCode = '1' "
-                                        "and iBracketTaxYear = 2021 and TaxBracket = 515"_s);
+    const TDbRows bracket =
+        db_->Select(u"select TaxPercentage, TaxAmount from _iptblTaxBrackets where cTaxScaleCode = '1' "
+                    "and iBracketTaxYear = 2021 and TaxBracket = 515"_s);
     QCOMPARE(bracket.rows.value(0), (QVariantList{0.219, -1.9003}));
     // 2026 has two loan tables of either kind, of which the later one holds the plain code
-    QCOMPARE(Count(*db_, u"_iptblHECSScales where iTaxYear = 2026 and cCode in ('TFT', 'NTFT', 'TFT-23SEP', 'NTFT-23SEP')"_s),
+    QCOMPARE(Count(*db_,
+                   u"_iptblHECSScales where iTaxYear = 2026 and cCode in ('TFT', 'NTFT', 'TFT-23SEP', 'NTFT-23SEP')"_s),
              4);
     for (const QString &table : {u"HECS"_s, u"SFSS"_s})
-        QCOMPARE(Count(*db_, u"_iptbl%1Scales s where not exists (select 1 from _iptbl%1Brackets b where b.i%1ScalesID = "
-                             "s.id%1Scales and b.iTaxYear = s.iTaxYear and b.fWeeklyEarnings = 9999999)"_s.arg(table)),
-                 0);
+        QCOMPARE(
+            Count(*db_, u"_iptbl%1Scales s where not exists (select 1 from _iptbl%1Brackets b where b.i%1ScalesID = "
+                        "s.id%1Scales and b.iTaxYear = s.iTaxYear and b.fWeeklyEarnings = 9999999)"_s.arg(table)),
+            0);
 }
 
 void TSchemaSuite::BanksView()
@@ -262,7 +271,9 @@ void TSchemaSuite::DeleteBank()
             remove(noted);
     }
     // behind the procedure's back the references still hold
-    QCOMPARE(Thrown([&] { db_->Execute(u"delete from _iptblBanks where idBank = :b"_s, {{u"b"_s, eftBank}}); }).kind,
+    QCOMPARE(Thrown([&] {
+                 db_->Execute(u"delete from _iptblBanks where idBank = :b"_s, {{u"b"_s, eftBank}});
+             }).kind,
              Kind::Referenced);
 }
 
@@ -270,7 +281,8 @@ void TSchemaSuite::DeleteBankOnItsOwn()
 {
     db_->Rollback();
     const int bank = db_->Insert(u"insert into _iptblBanks (cCode, cBSBNumber) values ('SOLO', '999-999')"_s);
-    db_->Insert(u"insert into _btblNotes (cNOTETBLTableName, fNOTETBLTableID) values ('_IPTBLBANKS', :b)"_s, {{u"b"_s, bank}});
+    db_->Insert(u"insert into _btblNotes (cNOTETBLTableName, fNOTETBLTableID) values ('_IPTBLBANKS', :b)"_s,
+                {{u"b"_s, bank}});
     QCOMPARE(db_->Call(u"_ipspDeleteBank"_s, {{u"BankID"_s, bank}}).returnValue, 0);
     QVERIFY(!db_->InTransaction());
     QCOMPARE(Count(*db_, u"_iptblBanks where idBank = :b"_s, {{u"b"_s, bank}}), 0);
@@ -282,7 +294,9 @@ void TSchemaSuite::InstallationCountry()
 {
     for (const auto &[country, format] : {std::pair(6, u"00-0000"_s), {7, u"9999999999"_s}, {5, u"000-000"_s}}) {
         QCOMPARE(db_->Call(u"_ipspSetInstallationCountry"_s, {{u"Country"_s, country}}).returnValue, 0);
-        QCOMPARE(Count(*db_, u"Defaults where Country = :c and cBSBFormat = :f"_s, {{u"c"_s, country}, {u"f"_s, format}}), 1);
+        QCOMPARE(
+            Count(*db_, u"Defaults where Country = :c and cBSBFormat = :f"_s, {{u"c"_s, country}, {u"f"_s, format}}),
+            1);
     }
     QCOMPARE(Thrown([&] { db_->Call(u"_ipspSetInstallationCountry"_s, {{u"Country"_s, 8}}); }).kind, Kind::Raised);
 }
@@ -316,7 +330,8 @@ void TSchemaSuite::RateTypesAsAt()
 
 void TSchemaSuite::DemonstrationShowsEveryRefusal()
 {
-    const auto uses = [this](const QString &table, const QString &column, const QString &code, const QString &rest = {}) {
+    const auto uses = [this](const QString &table, const QString &column, const QString &code,
+                             const QString &rest = {}) {
         return Count(*db_, u"%1 where %2 = :id %3"_s.arg(table, column, rest),
                      {{u"id"_s, Id(u"idRateType"_s, u"_iptblRateTypes"_s, code)}});
     };
@@ -325,18 +340,19 @@ void TSchemaSuite::DemonstrationShowsEveryRefusal()
     QVERIFY(uses(u"_iptblEmployeeAdditionalRates"_s, u"iAddRateTypeID"_s, u"FIRSTAID"_s) > 0);
     QVERIFY(uses(u"_ipvPayClassesAddRates_TD"_s, u"iRateTypeID"_s, u"TOOLS"_s) > 0);
     QVERIFY(uses(u"_iptblEmployeeTransEOY"_s, u"iRateTypeID"_s, u"OT20"_s) > 0);
-    for (const QString &table : {u"_iptblEmployeeTrans"_s, u"_iptblEmployeeAdditionalRates"_s, u"_ipvPayClassesAddRates_TD"_s})
+    for (const QString &table :
+         {u"_iptblEmployeeTrans"_s, u"_iptblEmployeeAdditionalRates"_s, u"_ipvPayClassesAddRates_TD"_s})
         QCOMPARE(uses(table, table.contains(u"Additional") ? u"iAddRateTypeID"_s : u"iRateTypeID"_s, u"SPARE"_s), 0);
-    QVERIFY(Count(*db_, u"_iptblPayClasses p inner join _iptblRateFactors f on f.idRateFactor = p.iTimeHalfRateFactor"_s) > 0);
+    QVERIFY(
+        Count(*db_, u"_iptblPayClasses p inner join _iptblRateFactors f on f.idRateFactor = p.iTimeHalfRateFactor"_s) >
+        0);
     QVERIFY(Count(*db_, u"_iptblEmployee e inner join _iptblTaxScales s on s.idTaxScales = e.iTaxScalesID "
-                        "where s.bUserDefinable = 1"_s)
-            > 0);
+                        "where s.bUserDefinable = 1"_s) > 0);
 }
 
 void TSchemaSuite::CurrentPeriods()
 {
-    const TDbRows rows =
-        db_->Select(u"select dStartDate, dEndDate from _ipvCurrentPayPeriods order by dEndDate"_s);
+    const TDbRows rows = db_->Select(u"select dStartDate, dEndDate from _ipvCurrentPayPeriods order by dEndDate"_s);
     QCOMPARE(rows.size(), 2); // a fortnight and a month
     QCOMPARE(rows.Value(0, u"dStartDate").toDateTime().date(), QDate(2026, 11, 1));
     QCOMPARE(rows.Value(1, u"dStartDate").toDateTime().date(), QDate(2026, 11, 18));
@@ -346,9 +362,10 @@ void TSchemaSuite::CurrentPeriods()
 // No gap, no overlap, values where they belong, and the master at the version in force.
 void TSchemaSuite::CompareChain(int master, const TChain &chain)
 {
-    const TDbRows rows = db_->Select(u"select dEffectiveDate, dEndDate, fRate from _iptblRateTypes_TD where iRateTypeID = :m "
-                                     "and iChangeType <> 3 order by dEffectiveDate"_s,
-                                     {{u"m"_s, master}});
+    const TDbRows rows =
+        db_->Select(u"select dEffectiveDate, dEndDate, fRate from _iptblRateTypes_TD where iRateTypeID = :m "
+                    "and iChangeType <> 3 order by dEffectiveDate"_s,
+                    {{u"m"_s, master}});
     QCOMPARE(rows.size(), int(chain.size()));
     int row = 0;
     double inForce = chain.empty() ? 0 : chain.begin()->second;
@@ -361,7 +378,8 @@ void TSchemaSuite::CompareChain(int master, const TChain &chain)
         if (version->first <= QDate::currentDate())
             inForce = version->second;
     }
-    const TDbRows carried = db_->Select(u"select fRate from _iptblRateTypes where idRateType = :m"_s, {{u"m"_s, master}});
+    const TDbRows carried =
+        db_->Select(u"select fRate from _iptblRateTypes where idRateType = :m"_s, {{u"m"_s, master}});
     QCOMPARE(carried.size(), chain.empty() ? 0 : 1);
     if (!chain.empty())
         QCOMPARE(carried.Value(0, u"fRate").toDouble(), inForce);
@@ -470,9 +488,12 @@ void TSchemaSuite::MastersFollowTheCalendar()
                                .Value(0, u"fRate")
                                .toDouble();
     // as if it had been carried before the version in force began
-    db_->Execute(u"update _iptblRateTypes set fRate = 1, iRateTypeTDID = 0 where idRateType = :m"_s, {{u"m"_s, master}});
+    db_->Execute(u"update _iptblRateTypes set fRate = 1, iRateTypeTDID = 0 where idRateType = :m"_s,
+                 {{u"m"_s, master}});
     QCOMPARE(db_->Call(u"_ipspCarryAllVersions"_s, {}).returnValue, 0);
-    QCOMPARE(Count(*db_, u"_iptblRateTypes where idRateType = :m and fRate = :r"_s, {{u"m"_s, master}, {u"r"_s, inForce}}), 1);
+    QCOMPARE(
+        Count(*db_, u"_iptblRateTypes where idRateType = :m and fRate = :r"_s, {{u"m"_s, master}, {u"r"_s, inForce}}),
+        1);
 }
 
 // What concerns the embedded file alone.
@@ -511,7 +532,8 @@ void TEmbeddedSchemaTest::LookupsUseIndexes_data()
     row("bank in use by institutions", "select top 1 idEFT from _iptblEFTParameters where iBankID = 5 order by idEFT");
     row("bank in use by employees", "select top 1 idEmployeeBank from _iptblEmployeeBank where iBankID = 5 "
                                     "order by idEmployeeBank");
-    row("note of a record", "select idNotes from _btblNotes where cNOTETBLTableName = '_IPTBLBANKS' and fNOTETBLTableID = 5");
+    row("note of a record",
+        "select idNotes from _btblNotes where cNOTETBLTableName = '_IPTBLBANKS' and fNOTETBLTableID = 5");
     row("brackets of a scale", "select * from _iptblTaxBrackets where iTaxScalesID = 2702 and iBracketTaxYear = 2027 "
                                "order by TaxBracket");
     row("scales of a year", "select * from _iptblTaxScales where iCountry = 5 and iTaxYear = 2027 order by cCode");

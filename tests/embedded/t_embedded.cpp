@@ -691,6 +691,8 @@ GO
     QP_FAULT(engine_->Run("create view v as select @x as d"), 137, Kind::Unknown);
     QP_FAULT(engine_->Run("select 1 as x create view v as select 1 as y"), 111, Kind::Syntax);
     QP_FAULT(engine_->Run("create procedure p as select @x as y"), 137, Kind::Unknown);
+    QP_FAULT(engine_->Run("create function f (@a int) returns table as return (select nothing from Banks)"), 207,
+             Kind::Unknown);
     QP_FAULT(engine_->Run("create function f (@a int) returns int as begin delete Banks return 1 end"), 443,
              Kind::Refused);
 
@@ -908,6 +910,10 @@ void TestEmbedded::ProceduralStatements_data()
          "where "
          "id = 1 select t.c from @t t inner join Banks b on b.idBank = t.id order by t.c",
          "BNK; CBA"},
+        {"errors within errors",
+         "declare @m varchar(20) begin try throw 50001, 'outer', 1 end try begin catch begin try throw 50002, 'inner', 1 "
+         "end try begin catch set @m = error_message() end catch select @m as a, error_message() as b end catch",
+         "inner|outer"},
         {"cursor",
          "declare @s varchar(50), @c varchar(9) set @s = '' declare k cursor local fast_forward for select cCode from "
          "Banks order by "

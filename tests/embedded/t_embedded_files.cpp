@@ -153,6 +153,8 @@ void TestEmbeddedFiles::LockedByAnotherWriter()
     // what one defines, the other sees without being told
     one->Run("create table U (i int) insert U values (5)");
     QCOMPARE(First(*two, "select i from U"), "5");
+    one->Run("alter table U add j int");
+    QCOMPARE(First(*two, "select j from U"), "NULL");
 }
 
 void TestEmbeddedFiles::ReadersDoNotWait()

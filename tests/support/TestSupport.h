@@ -99,8 +99,9 @@ public:
     // A message box with exactly this text, answered with a standard button or the button that bears a caption.
     TUserScript &Box(const QString &text, QMessageBox::StandardButton answer = QMessageBox::Ok);
     TUserScript &Box(const QString &text, const QString &answer);
-    // A window by object name ("": whatever window that is no box), driven by a function that has to close it in the end (or leave it open for the next
-    // Dialog of the same name). Windows that open meanwhile are the next ones of the list.
+    // A window by object name ("": whatever window that is no box), driven by a function that has to close it in the
+    // end (or leave it open for the next Dialog of the same name). Windows that open meanwhile are the next ones of the
+    // list.
     TUserScript &Dialog(const QString &objectName, std::function<void(QDialog &)> drive);
     // A file dialog by title: chooses the file, or cancels with "".
     TUserScript &FileDialog(const QString &title, const QString &file);
