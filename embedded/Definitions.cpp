@@ -20,8 +20,6 @@ QString NameList(const QStringList &names)
     return quoted.join(", "_L1);
 }
 
-} // namespace
-
 // Column and table definitions.
 class TableWriter
 {
@@ -88,8 +86,10 @@ public:
         if (rowId) {
             if (column.type.kind != Type::Kind::Int || column.type.declared != "int"_L1)
                 exactTypes.append({column.name, column.type.declared});
+            if (column.defaultValue) // SQLite would make up the next number instead
+                Refuse(u"A default of a whole-number key"_s, column.place);
             return name + " INTEGER "_L1 + NamedConstraint(keyName, u"PRIMARY KEY"_s) +
-                   (column.identity ? " AUTOINCREMENT"_L1 : ""_L1);
+                   (column.identity ? " AUTOINCREMENT"_L1 : ""_L1) + ColumnConstraints(column, adding);
         }
         QString text = name + u' ';
         if (column.type.kind == Type::Kind::Binary) { // any other name would give it a number's affinity
@@ -113,16 +113,7 @@ public:
                 Refuse(u"A computed default for a new column"_s, column.place);
             text += " DEFAULT "_L1 + (adding ? value.sql : u'(' + value.sql + u')');
         }
-        text += TypeCheck(column);
-        for (const TableConstraint &constraint : column.constraints) {
-            if (constraint.kind == TableConstraint::Kind::ForeignKey)
-                text += u' ' + NamedConstraint(constraint.name, Reference(constraint));
-            else if (constraint.kind == TableConstraint::Kind::Check)
-                text += u' ' + Constraint(constraint);
-            else if (adding)
-                Refuse(u"A key in a new column"_s, constraint.place);
-        }
-        return text;
+        return text + TypeCheck(column) + ColumnConstraints(column, adding);
     }
 
     QList<std::pair<QString, QString>> exactTypes;
@@ -134,6 +125,20 @@ private:
         return std::any_of(columns.cbegin(), columns.cend(), [&name](const Column &column) {
             return column.name.compare(name, Qt::CaseInsensitive) == 0;
         });
+    }
+
+    QString ColumnConstraints(const ColumnDefinition &column, bool adding)
+    {
+        QString text;
+        for (const TableConstraint &constraint : column.constraints) {
+            if (constraint.kind == TableConstraint::Kind::ForeignKey)
+                text += u' ' + NamedConstraint(constraint.name, Reference(constraint));
+            else if (constraint.kind == TableConstraint::Kind::Check)
+                text += u' ' + Constraint(constraint);
+            else if (adding)
+                Refuse(u"A key in a new column"_s, constraint.place);
+        }
+        return text;
     }
 
     QString Reference(const TableConstraint &constraint)
@@ -201,6 +206,8 @@ private:
     const QString table_;
     const bool temporary_;
 };
+
+} // namespace
 
 Definition TranslateTable(Catalogue &catalogue, const CreateTableStatement &statement, const QString &name,
                           bool temporary)

@@ -682,6 +682,11 @@ GO
     QP_FAULT(engine_->Run("insert E values (1, 99)"), 547, Kind::Referenced);
     engine_->Run("drop index IX_E on E");
 
+    // a key that is a foreign key too, and checked
+    engine_->Run("create table K (idState int primary key references States (idState) check (idState < 3))");
+    QP_FAULT(engine_->Run("insert K values (0)"), 547, Kind::Referenced);
+    QP_FAULT(engine_->Run("insert K values (3)"), 547, Kind::Check);
+
     // two tables may have an index of the same name
     engine_->Run("create table E2 (b int) create index IX_Code on E2 (b) drop index E2.IX_Code");
     QVERIFY(!engine_->Run("select object_id('E2', 'U') as x").rows.rows.first().first().isNull());
@@ -911,7 +916,8 @@ void TestEmbedded::ProceduralStatements_data()
          "id = 1 select t.c from @t t inner join Banks b on b.idBank = t.id order by t.c",
          "BNK; CBA"},
         {"errors within errors",
-         "declare @m varchar(20) begin try throw 50001, 'outer', 1 end try begin catch begin try throw 50002, 'inner', 1 "
+         "declare @m varchar(20) begin try throw 50001, 'outer', 1 end try begin catch begin try throw 50002, 'inner', "
+         "1 "
          "end try begin catch set @m = error_message() end catch select @m as a, error_message() as b end catch",
          "inner|outer"},
         {"cursor",
