@@ -145,7 +145,7 @@ QVariant Database::Execute(const QString &sql, const QVariantList &values)
         Bind(statement.get(), i + 1, values[i]);
     if (!Step(statement.get()))
         return {};
-    const QVariant first = Value(statement.get(), 0);
+    QVariant first = Value(statement.get(), 0);
     while (Step(statement.get())) {
     }
     return first;

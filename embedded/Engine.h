@@ -58,7 +58,8 @@ private:
 };
 
 // One result set, read to its end. Values: NULL as an invalid QVariant, int/smallint/tinyint as int, bigint as
-// qlonglong, bit as bool, float/real/money/decimal as double, text as QString, datetime as QDateTime (local time).
+// qlonglong, bit as bool, float/real/money/decimal as double, text as QString, datetime as QDateTime (local time), date
+// as QDate.
 struct Rows
 {
     QStringList columns;

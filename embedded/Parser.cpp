@@ -97,7 +97,7 @@ private:
     const Token &Now(int ahead = 0) const { return tokens_[qMin(at_ + ahead, tokens_.size() - 1)]; }
     Token Take()
     {
-        const Token token = Now();
+        Token token = Now();
         if (at_ < tokens_.size() - 1)
             ++at_;
         return token;

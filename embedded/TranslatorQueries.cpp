@@ -357,7 +357,7 @@ Fragment Worker::Store(const Fragment &value, const Column &column, const QStrin
                  u"Cannot insert the value NULL into column '%1', table '%2'; column does not allow nulls."_s.arg(
                      column.name, table),
                  place, column.name);
-        const Fragment stored = ToInteger(value, column.type);
+        Fragment stored = ToInteger(value, column.type);
         if (stored.literal)
             return stored;
         return Atom(u"cx_required(%1, %2, %3)"_s.arg(stored.sql, QuoteText(column.name), QuoteText(table)),

@@ -565,6 +565,7 @@ void TestEmbedded::Comparisons_data()
     QTest::newRow("view's expression") << "idBank in (select idBank from vBanks where cFull = :p)"
                                        << QVariant("CBA - ?  ") << "CBA";
     QTest::newRow("case in") << "upper(cName) in (:p, 'x')" << QVariant("Beta Bank ") << "BNK";
+    QTest::newRow("blanks of a replacement") << "isnull(cName, 'x ') = :p" << QVariant("X") << "CBA";
     QTest::newRow("like") << "cName like :p" << QVariant("%BANK") << "ANZ; BNK";
     QTest::newRow("like with a class") << "cCode like :p" << QVariant("[ab]%") << "ANZ; BNK";
     QTest::newRow("number in a text") << "iState = :p" << QVariant("2 ") << "BNK";
@@ -928,6 +929,8 @@ void TestEmbedded::ProceduralStatements_data()
          "deallocate k select @s as s",
          "ANZBNKCBA"},
         {"scope identity", "insert Banks (cCode) values ('i1') select scope_identity() as a, @@identity as b", "4|4"},
+        {"scope identity of the last table that has one",
+         "insert Banks (cCode) values ('i1') insert Links values (1, 9, null) select scope_identity() as a", "4"},
         {"transaction count",
          "declare @a int begin tran begin transaction select @a = @@trancount commit commit select @a as a, "
          "@@trancount as b",
