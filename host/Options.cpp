@@ -113,6 +113,10 @@ const QList<TOption> &Options()
                  Refuse(QStringLiteral("--export: message %1 opens no list.").arg(message));
              o.exports.append({message, v[1]});
          }},
+        {QStringLiteral("--until-painted"),
+         {},
+         QStringLiteral("end as soon as the window is painted; for measuring the start"),
+         [](THostOptions &o, const QStringList &) { o.untilPainted = true; }},
         {QStringLiteral("--scripts"),
          {QStringLiteral("DIR")},
          QStringLiteral("with --new: the folder of the database scripts, instead of those built in"),

@@ -39,9 +39,10 @@ struct THostOptions
     QString packageFolder;
     QString settingsFile; // instead of the user's own settings
     QString colours;      // "light", "dark", "system"; "" as remembered
+    bool untilPainted = false;
 
     // Runs without anybody to answer questions, and ends by itself.
-    bool IsBatch() const { return !tourFolder.isEmpty() || !exports.isEmpty(); }
+    bool IsBatch() const { return !tourFolder.isEmpty() || !exports.isEmpty() || untilPainted; }
 };
 
 // A command line that cannot be understood; what() is for the user.

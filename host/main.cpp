@@ -99,6 +99,19 @@ bool OpenFirstDatabase(const THostOptions &options)
     return true;
 }
 
+// Ends the program once a window has been painted.
+class TEndWhenPainted final : public QObject
+{
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+        return QObject::eventFilter(watched, event);
+    }
+};
+
 int RunBatch(TfrmMain &window, const THostOptions &options)
 {
     bool done = true;
@@ -119,7 +132,12 @@ int Run(const THostOptions &options)
         return 0;
     ChooseAgent(options.agent);
     TfrmMain window(std::move(package), options.scriptsFolder);
+    TEndWhenPainted endWhenPainted;
+    if (options.untilPainted)
+        window.installEventFilter(&endWhenPainted);
     window.show();
+    if (options.untilPainted)
+        return QApplication::exec();
     if (options.IsBatch())
         return RunBatch(window, options);
     QTimer::singleShot(0, &window, [&window, &options] {

@@ -81,7 +81,7 @@ void THostProgramTest::HelpListsTheOptions()
     QCOMPARE(run.code, 0);
     for (const char *option :
          {"--database FILE", "--connect ODBC-STRING", "--new FILE", "--demo", "--empty", "--country 5|6|7", "--agent N",
-          "--open MESSAGE[,P1[,P2]]", "--tour DIR", "--export MESSAGE FILE.csv"})
+          "--open MESSAGE[,P1[,P2]]", "--tour DIR", "--export MESSAGE FILE.csv", "--until-painted"})
         QVERIFY2(run.out.contains(QLatin1String(option)), option);
 }
 
