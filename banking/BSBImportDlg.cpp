@@ -68,6 +68,12 @@ public:
     int GetCurrentHelpContext() const override { return 101600; }
 
 protected:
+    void FormShow() override
+    {
+        TfrmCorvexDlgBase::FormShow();
+        FocusControl(edtFile);
+    }
+
     // OK runs the import and leaves the dialog open with its result; Cancel stops a running import, else closes.
     void FormCloseQuery(int result, bool &CanClose) override
     {
