@@ -2,8 +2,11 @@
 #include "host/Theme.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QPalette>
+#include <QProxyStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
 #include <QToolTip>
 
 namespace {
@@ -17,6 +20,33 @@ constexpr TShades kLight{0xffeff1f4, 0xffffffff, 0xfff5f7fa, 0xff1c2127, 0xffe7e
                          0xff2f6da8, 0xffffffff, 0xff1f5f9e, 0xff858c96, 0xfffdf6dc};
 constexpr TShades kDark{0xff2d3238, 0xff1a1d21, 0xff20242a, 0xffe4e7eb, 0xff3b424a, 0xff14161a,
                         0xff3d7db8, 0xffffffff, 0xff78b4e8, 0xff8d949e, 0xff424952};
+
+// Fusion draws the frames of boxes darker than the window, which nobody sees on a dark one.
+class TDarkStyle final : public QProxyStyle
+{
+public:
+    TDarkStyle()
+        : QProxyStyle(QStringLiteral("Fusion"))
+    {}
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override
+    {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        if (element != PE_IndicatorCheckBox && element != PE_IndicatorRadioButton)
+            return;
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(option->palette.color(QPalette::PlaceholderText));
+        painter->setBrush(Qt::NoBrush);
+        const QRectF frame = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+        if (element == PE_IndicatorCheckBox)
+            painter->drawRoundedRect(frame, 2, 2);
+        else
+            painter->drawEllipse(frame);
+        painter->restore();
+    }
+};
 
 QPalette MakePalette(const TShades &shades)
 {
@@ -69,7 +99,8 @@ QString ColoursName(TColours colours)
 
 void ApplyColours(TColours colours)
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(colours == TColours::Dark ? new TDarkStyle
+                                                     : QStyleFactory::create(QStringLiteral("Fusion")));
     // A palette without any colour of its own lets the desktop's through again.
     const QPalette palette =
         colours == TColours::System ? QPalette() : MakePalette(colours == TColours::Dark ? kDark : kLight);
