@@ -77,7 +77,8 @@ TModuleHandle LoadPackage(const QString &name)
             tried += QStringLiteral("\n") + file.absoluteFilePath();
             continue;
         }
-        auto *library = new QLibrary(file.absoluteFilePath());
+        // The handle lives as long as the application; the code itself stays even longer.
+        auto *library = new QLibrary(file.absoluteFilePath(), QCoreApplication::instance());
         library->setLoadHints(QLibrary::PreventUnloadHint | QLibrary::ResolveAllSymbolsHint);
         if (!library->load()) {
             const QString reason = library->errorString();

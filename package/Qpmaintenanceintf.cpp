@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "package/Qpmaintenanceintf.h"
 
-#include <QHash>
+#include <map>
+#include <string_view>
 
 #include "banking/BSBImportDlg.h"
 #include "package/MessageTable.h"
@@ -24,11 +25,8 @@ int initialised = 0;
 // registered under two names has one reference.
 const TClassRef *ScreenClass(const char *name)
 {
-    static QHash<QByteArray, const TClassRef *> classes;
-    const TClassRef *&classRef = classes[name];
-    if (!classRef)
-        classRef = new TClassRef{name, nullptr};
-    return classRef;
+    static std::map<std::string_view, TClassRef> classes;
+    return &classes.try_emplace(name, TClassRef{name, nullptr}).first->second;
 }
 
 } // namespace
