@@ -68,7 +68,7 @@ TfrmMaintenanceBase::TfrmMaintenanceBase(const TMaintenanceFacts &facts, TCorvex
         if (!nonModal_ && selectedList_ && !grid_->MultiSelect())
             OnAccept();
         else
-            OnEdit();
+            Guarded(&TfrmMaintenanceBase::OnEdit);
     });
     connect(grid_, &TqsGrid::RecordCountChanged, this, [this](qlonglong count) {
         lblRecordCount->setText(count < 0    ? QString()
@@ -96,9 +96,18 @@ QAction *TfrmMaintenanceBase::AddAction(const char *name, const char *icon, cons
     action->setShortcuts(keys);
     action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
     action->setToolTip(keys.isEmpty() ? tip : tr("%1 (%2)").arg(tip, keys.first().toString(QKeySequence::NativeText)));
-    connect(action, &QAction::triggered, this, handler);
+    connect(action, &QAction::triggered, this, [this, handler] { Guarded(handler); });
     addAction(action);
     return action;
+}
+
+void TfrmMaintenanceBase::Guarded(void (TfrmMaintenanceBase::*handler)())
+{
+    try {
+        (this->*handler)();
+    } catch (const std::exception &error) {
+        ShowException(error);
+    }
 }
 
 void TfrmMaintenanceBase::BuildToolbar()
@@ -292,7 +301,7 @@ void TfrmMaintenanceBase::keyPressEvent(QKeyEvent *event)
         return;
     case Qt::Key_Delete:
         if (grid_->hasFocus() && mniMaintDelete->isEnabled())
-            OnDelete();
+            Guarded(&TfrmMaintenanceBase::OnDelete);
         return;
     case Qt::Key_Escape:
         if (searching) {

@@ -148,6 +148,8 @@ private:
     void BuildModalButtons();
     QAction *AddAction(const char *name, const char *icon, const QString &caption, const QString &tip,
                        const QList<QKeySequence> &keys, void (TfrmMaintenanceBase::*handler)());
+    // What the user asks for ends here when it fails: an error is shown, and never passes through the toolkit.
+    void Guarded(void (TfrmMaintenanceBase::*handler)());
     void OnAdd();
     void OnEdit();
     void OnCopy();
